@@ -1,0 +1,80 @@
+/// The two trace channels into one stream. With no log open each call is one test.
+#pragma once
+
+#include <libpq-fe.h>
+
+#include <cstdint>
+#include <cstdio>
+
+#include "zevoci/handle.h"
+
+/// Bits of the trace mask, by what is written under them.
+enum TraceMask : std::uint64_t {
+  kTracePrepare = 0x1,
+  kTraceExecute = 0x2,
+  kTraceBindData = 0x4,
+  kTraceStatement = 0x8,
+  kTraceToServer = 0x10,
+  kTraceErrors = 0x20,
+  kTraceFetched = 0x40,
+  kTraceService = 0x80,
+  kTraceTransaction = 0x100,
+  kTraceAttributes = 0x200,
+  kTracePortals = 0x400,
+  kTraceResults = 0x800,
+  kTraceWaits = 0x2000,
+  kTraceSession = 0x4000,
+};
+
+/// Levels of o2pTrace.
+enum TraceLevel : int { kLevelError = 0, kLevelNarrative = 3, kLevelArguments = 4 };
+
+extern "C" {
+extern ZEV_HELPER std::FILE *oci_debug_log;
+extern ZEV_HELPER std::uint64_t oci_debug_mask;
+extern ZEV_HELPER int OCI2PQ_TRACE_LEVEL;
+
+/// Writes "label: " (for a non-null label) and the formatted text when `mask` is on.
+ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *format, ...)
+    __attribute__((format(printf, 3, 4)));
+/// Writes a labelled hex dump, 16 bytes a row, when `mask` is on.
+ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length);
+/// Whether a trace under `mask` would be written.
+ZEV_HELPER int ocitracing(std::uint64_t mask);
+/// Writes one line of the level channel. Only a format without placeholders reads as meant: the
+/// arguments are not expanded.
+ZEV_HELPER void o2pTrace(int level, const char *format, ...);
+
+ZEV_HELPER const char *o2pGetHandleTypeName(ub4 type);
+ZEV_HELPER const char *o2pGetReturnCodeText(sword status);
+ZEV_HELPER const char *o2pGetDurationText(ub2 duration);
+ZEV_HELPER const char *o2pGetTypeCodeText(ub2 code);
+/// The name of a parameter attribute without its prefix, or null.
+ZEV_HELPER const char *o2pDescribeAttribute(ub4 attribute);
+/// The name of an OCI function code, or null.
+ZEV_HELPER const char *o2pGetFunctionCode(ub4 code);
+/// Traces the value of an attribute at level 4.
+ZEV_HELPER void o2pGetDecodedAttribute(ub4 attribute, const void *value);
+
+/// Writes the server's wait statistics for this session when mask 0x2000 is on.
+ZEV_HELPER void traceMoltaCounters(PGconn *conn);
+/// Lists the session's open cursors when mask 0x400 is on.
+ZEV_HELPER void debugLogCursors(PGconn *conn, const char *where);
+/// Lists the session's prepared statements when mask 0x400 is on.
+ZEV_HELPER void debugLogPreparedStmts(PGconn *conn, const char *where);
+
+/// Runs `sql` with notices going to `errhp`. The caller clears the result.
+ZEV_HELPER PGresult *execSimpleCommand(PGconn *conn, const char *sql, OCIError *errhp);
+/// 1 unless the result is PGRES_COMMAND_OK or PGRES_TUPLES_OK.
+ZEV_HELPER int simpleCommandFailed(const PGresult *result);
+}
+
+namespace zev {
+
+/// ocitracing without a call, for paths that run once a value.
+inline bool tracing(std::uint64_t mask) { return oci_debug_log && (oci_debug_mask & mask); }
+
+/// Reads the three debug variables of the process environment, opening the log they name.
+void readDebugVariables();
+
+}  // namespace zev
