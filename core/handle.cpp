@@ -75,12 +75,12 @@ bool inherit(OCIEnv *child, const OCIEnv *parent) {
 OCIHandle *makeHandle(const zev::HandleKind &kind, OCIEnv *env, void *parenth) {
   auto *handle = static_cast<OCIHandle *>(kind.alloc());
   if (!handle) return nullptr;
+  handle->parenth = parenth;
   OCIEnv *child = zev::asEnv(handle);
   if ((child && !inherit(child, env)) || !enter(kind, env, parenth, handle)) {
     kind.free(handle);
     return nullptr;
   }
-  handle->parenth = parenth;
   return handle;
 }
 
