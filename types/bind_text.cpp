@@ -1,5 +1,4 @@
 /// Character data on their way to the server, as text in its encoding.
-#include <optional>
 #include <string_view>
 
 #include "core/edge_text.h"
@@ -9,27 +8,6 @@
 
 namespace zev {
 namespace {
-
-/// The program's text in the server's encoding. Without an environment it passes as it
-/// stands.
-class ServerText {
- public:
-  ServerText(const OCIEnv *env, const void *source, std::size_t length) {
-    if (env && env->utf16) {
-      converted_.emplace(env, source, length);
-      view_ = converted_->view();
-    } else if (source) {
-      view_ = {static_cast<const char *>(source), length};
-    }
-  }
-  explicit operator bool() const { return !converted_ || *converted_; }
-  sword fail(OCIError *errhp) const { return converted_->fail(errhp); }
-  std::string_view view() const { return view_; }
-
- private:
-  std::optional<EdgeText> converted_;
-  std::string_view view_;
-};
 
 bool emptyTextIsNull(const OCIEnv *env) {
   return env && env->oracleVarchars;
@@ -67,7 +45,7 @@ sword bindCharacters(BIND_PARAMS) {
   const bool emptyIsNull = Rule == Blanks::Cut || emptyTextIsNull(env);
   if (!value || (emptyIsNull && valueLength == 0)) return 0;
   if (valueLength < 0) return -1;
-  const ServerText text(env, value, static_cast<std::size_t>(valueLength));
+  const EdgeText text(env, value, static_cast<std::size_t>(valueLength));
   if (!text) return text.fail(errhp);
   return sendTerminated(
       Rule == Blanks::Cut ? withoutTrailingBlanks(text.view()) : text.view(), outBuffer,
@@ -77,7 +55,7 @@ sword bindCharacters(BIND_PARAMS) {
 /// Characters behind a length; limits and a VCS's 16-bit result are the member's own.
 sword sendCounted(OCIError *errhp, const void *bytes, ub4 length, void **outBuffer,
                   ub4 *outLength, ub4 resultMask) {
-  const ServerText text(parentEnv(errhp), bytes, length);
+  const EdgeText text(parentEnv(errhp), bytes, length);
   if (!text) return text.fail(errhp);
   const auto counted = static_cast<ub4>(text.view().size()) & resultMask;
   return sendTerminated(text.view().substr(0, counted), outBuffer, outLength);
@@ -97,7 +75,7 @@ std::string_view upToLastNul(std::string_view text) {
 sword bindSizedString(BIND_PARAMS) {
   if (valueLength < 2 || !value) return -1;
   if (valueLength == 2 && *static_cast<const char *>(value) == '\0') return 0;
-  const ServerText text(parentEnv(errhp), value, static_cast<std::size_t>(valueLength));
+  const EdgeText text(parentEnv(errhp), value, static_cast<std::size_t>(valueLength));
   if (!text) return text.fail(errhp);
   const std::string_view string = upToLastNul(text.view());
   if (string.empty() || string.size() > kLongestString) return fail(errhp, 1480);
@@ -112,7 +90,7 @@ sword bindTerminatedString(BIND_PARAMS) {
                                static_cast<std::size_t>(valueLength));
   const std::size_t length = given.find('\0');
   if (length == given.npos) return fail(errhp, 1480);
-  const ServerText text(parentEnv(errhp), value, length + 1);
+  const EdgeText text(parentEnv(errhp), value, length + 1);
   if (!text) return text.fail(errhp);
   return sendBytes(text.view(), outBuffer, outLength,
                    static_cast<ub4>(text.view().size()));

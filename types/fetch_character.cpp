@@ -1,6 +1,5 @@
 /// Character data that are fetched into characters and native numbers.
 #include <algorithm>
-#include <optional>
 #include <string_view>
 
 #include "core/edge_text.h"
@@ -16,25 +15,6 @@ struct TextEnvironment {
       : env(parentEnv(errhp)), emptyIsNull(env && env->oracleVarchars) {}
   const OCIEnv *env;
   bool emptyIsNull;
-};
-
-/// The server's text in the program's encoding. Without an environment it passes as it
-/// stands.
-class ProgramText {
- public:
-  ProgramText(const OCIEnv *env, std::string_view source) : view_(source) {
-    if (env && env->utf16) {
-      converted_.emplace(env, source.data(), source.size());
-      view_ = converted_->view();
-    }
-  }
-  explicit operator bool() const { return !converted_ || *converted_; }
-  sword fail(OCIError *errhp) const { return converted_->fail(errhp); }
-  std::string_view view() const { return view_; }
-
- private:
-  std::optional<EdgeResult> converted_;
-  std::string_view view_;
 };
 
 std::string_view fieldText(const void *value, sb4 valueLength) {
@@ -104,7 +84,7 @@ sword ConvertTEXTOIDToSQLT_CHR(FETCH_PARAMS) {
     status = zev::record(errhp, 1406, 1);
     zev::reportMissing(indicator, source.size() - cap);
   }
-  const zev::ProgramText converted(environment.env, source);
+  const zev::EdgeResult converted(environment.env, source.data(), source.size());
   if (!converted) return converted.fail(errhp);
   const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
   auto *out = static_cast<char *>(target);
@@ -127,13 +107,13 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
   const auto *source = value ? static_cast<const char *>(value) : "";
   const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
   // The NUL behind the field is part of what is delivered.
-  const zev::ProgramText converted(environment.env, {source, length + 1});
+  const zev::EdgeResult converted(environment.env, source, length + 1);
   if (!converted) return converted.fail(errhp);
   const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
   zev::copyBytes(target, converted.view().data(), n);
   *targetLength = static_cast<ub4>(n);
   if (converted.view().size() > n) {
-    const zev::ProgramText terminator(environment.env, {"", 1});
+    const zev::EdgeResult terminator(environment.env, "", 1);
     if (!terminator) return terminator.fail(errhp);
     if (!zev::terminateCut(static_cast<char *>(target), n, terminator.view())) {
       return zev::fail(errhp, 1460);
