@@ -13,6 +13,11 @@
 #define ZEV_HELPER __attribute__((visibility("default")))
 #endif
 
+#ifdef NDEBUG  // glibc declares it without NDEBUG only
+extern "C" [[noreturn]] void __assert_fail(const char *assertion, const char *file,
+                                           unsigned line, const char *function) noexcept;
+#endif
+
 /// Ends the process with `text` in the C library's words when `condition` is false. For states
 /// that only a fault in this library can bring about; stands in release builds too.
 #define ZEV_ASSERT(condition, text) \
