@@ -98,12 +98,12 @@ static int next_line(FILE *in, char *line, int size, char **fields, int max) {
 /* "+DDMM", "+DDDMM" or either with seconds, in degrees; *end is what follows. */
 static double degrees(const char *from, int degree_digits, const char **end) {
   const int sign = *from == '-' ? -1 : 1;
-  const size_t digits = strspn(from + 1, "0123456789");
   const size_t short_form = (size_t)degree_digits + 2;
+  size_t digits, i;
   int part[3] = {0, 0, 0};
-  size_t i;
-  expect((*from == '+' || *from == '-') &&
-             (digits == short_form || digits == short_form + 2),
+  expect(*from == '+' || *from == '-', "coordinates with signs");
+  digits = strspn(from + 1, "0123456789");
+  expect(digits == short_form || digits == short_form + 2,
          "coordinates as +DDMM+DDDMM, with or without seconds");
   for (i = 0; i < digits; ++i) {
     const size_t which =
