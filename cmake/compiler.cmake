@@ -2,7 +2,7 @@
 
 add_library(zevoci_warnings INTERFACE)
 target_compile_options(zevoci_warnings INTERFACE
-  -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Wformat=2
+  -Wall -Wextra $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Wformat=2
   -Wno-missing-field-initializers -Werror)
 
 # For C sources: the same without what only C++ knows.

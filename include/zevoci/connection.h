@@ -3,6 +3,8 @@
 
 #include <libpq-fe.h>
 
+#include <cstdio>
+
 #include "zevoci/handle.h"
 
 /// A server address and the one connection to it.
@@ -21,6 +23,7 @@ struct OCIServer : OCIHandle {
   ub4 cursorStrategy;  ///< 1 declared cursor, else portal; default for statements
   ub4 holdPolicy;      ///< 0, 5 or 6; default for statements
   ub1 defaultParams;   ///< argument lookup of routine calls asks for defaults
+  std::FILE *protocolTrace;  ///< owned; where the connection's protocol is traced, or null
 };
 
 /// The context of calls: which server, session and transaction.
@@ -76,6 +79,9 @@ ZEV_HELPER sword getServerHandleFromService(OCIServer **server, OCISvcCtx *svchp
 }
 
 namespace zev {
+
+/// Closes the connection of a server, if there is one.
+void closeConnection(OCIServer *server);
 
 inline OCIServer *asServer(const void *h) { return checked<OCIServer>(h, HANDLE_OCIServer); }
 inline OCISvcCtx *asService(const void *h) { return checked<OCISvcCtx>(h, HANDLE_OCISvcCtx); }

@@ -92,6 +92,10 @@ inline OCIEnv *parentEnv(const OCIHandle *handle) { return asEnv(handle->parenth
 /// The nearest environment at or above `handle`, or null.
 OCIEnv *climbToEnv(const void *handle);
 
+/// `requested` bytes of zeroed memory for the program, stored in the header of `handle` and in
+/// `*out`; false when memory runs out.
+bool giveUserMemory(OCIHandle *handle, std::size_t requested, void **out);
+
 /// Zeroed memory for a record of type `T` with `tag`, from the system allocator; null when out.
 template <class T>
 T *allocHandle(HandleTag tag);

@@ -1,4 +1,4 @@
-/// The two trace channels into one stream. With no log open each call is one test.
+/// The trace stream and its mask channel. With no log open each call is one test.
 #pragma once
 
 #include <libpq-fe.h>
@@ -26,12 +26,11 @@ enum TraceMask : std::uint64_t {
   kTraceSession = 0x4000,
 };
 
-/// Levels of o2pTrace.
-enum TraceLevel : int { kLevelError = 0, kLevelNarrative = 3, kLevelArguments = 4 };
-
 extern "C" {
+/// Null while tracing is off. Each new environment may set the three settings anew.
 extern ZEV_HELPER std::FILE *oci_debug_log;
 extern ZEV_HELPER std::uint64_t oci_debug_mask;
+/// Verbosity of the narrative lines of stubs and callbacks.
 extern ZEV_HELPER int OCI2PQ_TRACE_LEVEL;
 
 /// Writes "label: " (for a non-null label) and the formatted text when `mask` is on.
@@ -41,21 +40,6 @@ ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *form
 ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length);
 /// Whether a trace under `mask` would be written.
 ZEV_HELPER int ocitracing(std::uint64_t mask);
-/// Writes one line of the level channel. Only a format without placeholders reads as meant: the
-/// arguments are not expanded.
-ZEV_HELPER void o2pTrace(int level, const char *format, ...);
-
-ZEV_HELPER const char *o2pGetHandleTypeName(ub4 type);
-ZEV_HELPER const char *o2pGetReturnCodeText(sword status);
-ZEV_HELPER const char *o2pGetDurationText(ub2 duration);
-ZEV_HELPER const char *o2pGetTypeCodeText(ub2 code);
-/// The name of a parameter attribute without its prefix, or null.
-ZEV_HELPER const char *o2pDescribeAttribute(ub4 attribute);
-/// The name of an OCI function code, or null.
-ZEV_HELPER const char *o2pGetFunctionCode(ub4 code);
-/// Traces the value of an attribute at level 4.
-ZEV_HELPER void o2pGetDecodedAttribute(ub4 attribute, const void *value);
-
 /// Writes the server's wait statistics for this session when mask 0x2000 is on.
 ZEV_HELPER void traceMoltaCounters(PGconn *conn);
 /// Lists the session's open cursors when mask 0x400 is on.
@@ -72,7 +56,10 @@ ZEV_HELPER int simpleCommandFailed(const PGresult *result);
 namespace zev {
 
 /// ocitracing without a call, for paths that run once a value.
-inline bool tracing(std::uint64_t mask) { return oci_debug_log && (oci_debug_mask & mask); }
+inline bool tracing(std::uint64_t mask) {
+  return __atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED) != nullptr &&
+         (__atomic_load_n(&oci_debug_mask, __ATOMIC_RELAXED) & mask) != 0;
+}
 
 /// Reads the three debug variables of the process environment, opening the log they name.
 void readDebugVariables();

@@ -1,0 +1,66 @@
+#include "core/handle_kinds.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "zevoci/connection.h"
+#include "zevoci/statement.h"
+#include "zevoci/transaction.h"
+
+namespace zev {
+namespace {
+
+/// The allocation and release of a kind, behind untyped pointers.
+template <auto Alloc>
+void *allocate() {
+  return Alloc();
+}
+
+template <class T, void (*Free)(T *)>
+void release(void *handle) {
+  Free(static_cast<T *>(handle));
+}
+
+template <class T, sword (*Get)(T *, void *, ub4 *, ub4, OCIError *)>
+sword read(void *handle, void *value, ub4 *size, ub4 attribute, OCIError *errhp) {
+  return Get(static_cast<T *>(handle), value, size, attribute, errhp);
+}
+
+template <class T, sword (*Set)(T *, void *, ub4, ub4, OCIError *)>
+sword write(void *handle, void *value, ub4 size, ub4 attribute, OCIError *errhp) {
+  return Set(static_cast<T *>(handle), value, size, attribute, errhp);
+}
+
+// clang-format off
+#define KIND(type, T) type, HANDLE_##T, allocate<Alloc_##T>, release<T, Free_##T>
+#define ATTRIBUTES(T) read<T, Get_##T>, write<T, Set_##T>
+constexpr HandleKind kKinds[] = {
+    {KIND(OCI_HTYPE_ENV,     OCIEnv),     ATTRIBUTES(OCIEnv)},
+    {KIND(OCI_HTYPE_ERROR,   OCIError),   nullptr, nullptr},
+    {KIND(OCI_HTYPE_SVCCTX,  OCISvcCtx),  ATTRIBUTES(OCISvcCtx)},
+    {KIND(OCI_HTYPE_STMT,    OCIStmt),    ATTRIBUTES(OCIStmt)},
+    {KIND(OCI_HTYPE_BIND,    OCIBind),    ATTRIBUTES(OCIBind),    Registry::Binds},
+    {KIND(OCI_HTYPE_DEFINE,  OCIDefine),  ATTRIBUTES(OCIDefine),  Registry::Defines},
+    {KIND(OCI_HTYPE_SERVER,  OCIServer),  ATTRIBUTES(OCIServer)},
+    {KIND(OCI_HTYPE_SESSION, OCISession), ATTRIBUTES(OCISession)},
+    {KIND(OCI_HTYPE_TRANS,   OCITrans),   ATTRIBUTES(OCITrans)},
+};
+#undef ATTRIBUTES
+#undef KIND
+// clang-format on
+
+}  // namespace
+
+const HandleKind *findHandleKind(ub4 type) {
+  const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                  [type](const HandleKind &k) { return k.type == type; });
+  return kind != std::end(kKinds) ? kind : nullptr;
+}
+
+const HandleKind *findHandleKindByTag(ub4 tag) {
+  const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                  [tag](const HandleKind &k) { return k.tag == tag; });
+  return kind != std::end(kKinds) ? kind : nullptr;
+}
+
+}  // namespace zev

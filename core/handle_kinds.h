@@ -1,0 +1,33 @@
+/// The one table that knows every kind of handle; each subsystem brings its rows.
+#pragma once
+
+#include "zevoci/handle.h"
+
+namespace zev {
+
+using GetAttribute = sword (*)(void *handle, void *value, ub4 *size, ub4 attribute,
+                               OCIError *errhp);
+using SetAttribute = sword (*)(void *handle, void *value, ub4 size, ub4 attribute,
+                               OCIError *errhp);
+
+/// Where a new handle is entered.
+enum class Registry { Children, Binds, Defines };
+
+/// What the library knows about a published handle or descriptor type.
+struct HandleKind {
+  ub4 type;       ///< OCI_HTYPE_* or OCI_DTYPE_*
+  HandleTag tag;
+  void *(*alloc)();
+  void (*free)(void *handle);
+  GetAttribute get;  ///< null where the kind has no attributes to read
+  SetAttribute set;
+  Registry registry = Registry::Children;
+};
+
+/// The kind of a published type, or null.
+const HandleKind *findHandleKind(ub4 type);
+
+/// The kind whose handles carry `tag`, or null.
+const HandleKind *findHandleKindByTag(ub4 tag);
+
+}  // namespace zev

@@ -1,0 +1,83 @@
+#include "zevoci/trace.h"
+
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+constexpr int kBytesPerRow = 16;
+
+/// Opens the log that the variable names; null when it cannot be opened.
+std::FILE *openLog(const char *value) {
+  if (std::strcmp(value, "-") == 0) return stderr;
+  const std::string path = std::string(value) + '-' + std::to_string(getpid());
+  return std::fopen(path.c_str(), "w");
+}
+
+/// Environments of several threads may set the settings at once; the last one holds.
+template <class T>
+void set(T &setting, T value) {
+  __atomic_store_n(&setting, value, __ATOMIC_RELAXED);
+}
+
+void printHexRow(const unsigned char *data, int offset, int count) {
+  std::fprintf(oci_debug_log, "%6X   ", static_cast<unsigned>(offset));
+  for (int i = 0; i < kBytesPerRow; ++i) {
+    if (i < count) {
+      std::fprintf(oci_debug_log, "%02x ", data[i]);
+    } else {
+      std::fputs("   ", oci_debug_log);
+    }
+  }
+  for (int i = 0; i < kBytesPerRow; ++i) {
+    const bool printable = i < count && data[i] >= 32 && data[i] <= 126;
+    std::fputc(i >= count ? ' ' : printable ? data[i] : '.', oci_debug_log);
+  }
+  std::fputc('\n', oci_debug_log);
+}
+
+}  // namespace
+
+extern "C" {
+
+std::FILE *oci_debug_log = nullptr;
+std::uint64_t oci_debug_mask = 0xFFFFDFFF;
+int OCI2PQ_TRACE_LEVEL = 0;
+
+int ocitracing(std::uint64_t mask) { return zev::tracing(mask); }
+
+void ocitrace(std::uint64_t mask, const char *label, const char *format, ...) {
+  if (!zev::tracing(mask)) return;
+  if (label) std::fprintf(oci_debug_log, "%s: ", label);
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vfprintf(oci_debug_log, format, arguments);
+  va_end(arguments);
+}
+
+void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length) {
+  if (!zev::tracing(mask)) return;
+  if (label) std::fprintf(oci_debug_log, "%s\n", label);
+  std::fprintf(oci_debug_log, "%8s  0  1  2  3  4  5  6  7  8  9  A  B  C  D  E  F\n", "");
+  if (length <= 0) std::fprintf(oci_debug_log, "%16s\n", "");
+  const auto *bytes = static_cast<const unsigned char *>(data);
+  for (sb4 offset = 0; offset < length; offset += kBytesPerRow) {
+    printHexRow(bytes + offset, offset, length - offset);
+  }
+}
+
+}  // extern "C"
+
+void zev::readDebugVariables() {
+  if (const char *level = std::getenv("OCI_DEBUG_LEVEL")) {
+    set(OCI2PQ_TRACE_LEVEL, static_cast<int>(std::strtol(level, nullptr, 10)));
+  }
+  if (const char *log = std::getenv("OCI_DEBUG_LOG")) set(oci_debug_log, openLog(log));
+  if (const char *mask = std::getenv("OCI_DEBUG_MASK")) {
+    set(oci_debug_mask, std::strtoul(mask, nullptr, 0));
+  }
+}

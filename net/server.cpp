@@ -1,0 +1,197 @@
+#include <cstdlib>
+
+#include "core/attribute_value.h"
+#include "core/cursor_attributes.h"
+#include "core/edge_text.h"
+#include "core/frame.h"
+#include "core/frame_rows.h"
+#include "core/wire.h"
+#include "zevoci/connection.h"
+#include "zevoci/text.h"
+#include "zevoci/trace.h"
+
+namespace {
+
+void release(char *&text) {
+  std::free(text);
+  text = nullptr;
+}
+
+void forgetAddress(OCIServer *server) {
+  for (char **part : {&server->dblink, &server->host, &server->port, &server->dbname,
+                      &server->uri}) {
+    release(*part);
+  }
+  server->dblinkLen = 0;
+}
+
+void useDefault(char *&part, const char *value) {
+  if (!part) part = strdup(value);
+}
+
+/// Stores the connect string and what it says of the address.
+sword resolve(OCIServer *server, OCIError *errhp, const zev::EdgeText &dblink) {
+  server->dblink = makeString(dblink.data(), dblink.size());
+  if (!server->dblink) return zev::fail(errhp, 16506);
+  server->dblinkLen = static_cast<ub4>(dblink.size());
+  const boolean understood =
+      parse_connect_str(server->dblink, static_cast<sb4>(server->dblinkLen), &server->host,
+                        &server->port, &server->dbname, &server->uri);
+  return understood ? OCI_SUCCESS : zev::fail(errhp, 12154);
+}
+
+sword setStatementLevelRollback(OCIServer *server, ub1 on, OCIError *errhp) {
+  const zev::PgResult result = zev::wire::exec(
+      server->conn, on ? "SET zev_stmt_level_tx = on" : "SET zev_stmt_level_tx = off");
+  if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
+    ClearErrorHandle(errhp);
+    return zev::failFromServer(errhp, result.get());
+  }
+  server->stmtLevelTx = on;
+  return OCI_SUCCESS;
+}
+
+/// Service contexts stop pointing to a server that goes away.
+void unlinkServer(const OCIEnv *env, const OCIServer *server) {
+  for (OCIHandle *child : zev::Elements<OCIHandle>(env->children)) {
+    OCISvcCtx *svchp = zev::asService(child);
+    if (svchp && svchp->server == server) svchp->server = nullptr;
+  }
+}
+
+}  // namespace
+
+void zev::closeConnection(OCIServer *server) {
+  if (!server->conn) return;
+  traceMoltaCounters(server->conn);
+  PQuntrace(server->conn);
+  PQfinish(server->conn);
+  server->conn = nullptr;
+  if (server->protocolTrace) std::fclose(server->protocolTrace);
+  server->protocolTrace = nullptr;
+}
+
+extern "C" {
+
+OCIServer *Alloc_OCIServer() {
+  auto *server = zev::allocHandle<OCIServer>(HANDLE_OCIServer);
+  if (!server) return nullptr;
+  server->cursorStrategy = std::getenv("OCI_WITH_HOLD") ? 1 : 0;
+  server->defaultParams = std::getenv("NODEFAULTPARAMS") ? 0 : 1;
+  return server;
+}
+
+void Free_OCIServer(OCIServer *server) {
+  if (!zev::asServer(server)) return;
+  auto *env = static_cast<OCIEnv *>(server->parenth);
+  ZEV_ASSERT(env, "env != ((void *)0)");
+  ZEV_ASSERT(env->handleType == HANDLE_OCIEnv, "env->handleType == HANDLE_OCIEnv");
+  forgetAddress(server);
+  markCursorsClosed(env, server);
+  unlinkServer(env, server);
+  zev::closeConnection(server);
+  zev::freeHandle(server);
+}
+
+sword Get_OCIServer(OCIServer *server, void *value, ub4 *, ub4 attribute, OCIError *errhp) {
+  if (!zev::asServer(server) || !zev::asError(errhp) || !value) return OCI_INVALID_HANDLE;
+  switch (attribute) {
+    case OCI_ATTR_NONBLOCKING_MODE:
+      zev::putAttribute(value, server->nonBlocking);
+      return OCI_SUCCESS;
+    case OCI_ATTR_ENV:
+      if (!zev::parentEnv(server)) return OCI_INVALID_HANDLE;
+      zev::putAttribute(value, server->parenth);
+      return OCI_SUCCESS;
+    case OCI_ATTR_SERVER_STATUS:
+      zev::putAttribute<ub4>(value, PQstatus(server->conn) == CONNECTION_OK
+                                        ? OCI_SERVER_NORMAL
+                                        : OCI_SERVER_NOT_CONNECTED);
+      return OCI_SUCCESS;
+    case ZEVOCI_ATTR_STMT_LEVEL_TX:
+      zev::putAttribute(value, server->stmtLevelTx);
+      return OCI_SUCCESS;
+    case ZEVOCI_ATTR_CURSOR_STRATEGY:
+      zev::putAttribute(value, server->cursorStrategy);
+      return OCI_SUCCESS;
+    case ZEVOCI_ATTR_HOLD_POLICY:
+      zev::putAttribute(value, server->holdPolicy);
+      return OCI_SUCCESS;
+    default:
+      return zev::fail(errhp, 24328);
+  }
+}
+
+sword Set_OCIServer(OCIServer *server, void *value, ub4, ub4 attribute, OCIError *errhp) {
+  if (!zev::asServer(server) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
+  switch (attribute) {
+    case OCI_ATTR_NONBLOCKING_MODE:
+      server->nonBlocking = !server->nonBlocking;
+      return OCI_SUCCESS;
+    case OCI_ATTR_PARSE_ERROR_OFFSET:
+      return OCI_SUCCESS;
+    case ZEVOCI_ATTR_STMT_LEVEL_TX:
+      if (!value) return OCI_INVALID_HANDLE;
+      return setStatementLevelRollback(server, zev::takeAttribute<ub1>(value), errhp);
+    case ZEVOCI_ATTR_CURSOR_STRATEGY:
+      if (!value) return OCI_INVALID_HANDLE;
+      return zev::storeCursorStrategy(server->cursorStrategy, value, errhp);
+    case ZEVOCI_ATTR_HOLD_POLICY:
+      if (!value) return OCI_INVALID_HANDLE;
+      return zev::storeHoldPolicy(server->holdPolicy, value, errhp);
+    default:
+      return zev::fail(errhp, 24328);
+  }
+}
+
+ZEV_API sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink,
+                              sb4 dblink_len, ub4 mode) {
+  if (!zev::asServer(srvhp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
+  ClearErrorHandle(errhp);
+  if (srvhp->attached) return zev::fail(errhp, 24309);
+  OCIEnv *env = zev::parentEnv(srvhp);
+  if (!env) return OCI_INVALID_HANDLE;
+
+  return zev::runFrame(
+      zev::frame::kServerAttach, env, errhp,
+      [&](sword &status) {
+        forgetAddress(srvhp);
+        if (dblink && dblink_len > 0) {
+          const zev::EdgeText edge(env, dblink, static_cast<std::size_t>(dblink_len));
+          const sword outcome = edge ? resolve(srvhp, errhp, edge) : edge.fail(errhp);
+          if (outcome != OCI_SUCCESS) {
+            status = outcome;
+            return zev::Leave::AtOnce;
+          }
+        }
+        if (!srvhp->uri) {
+          useDefault(srvhp->host, "localhost");
+          useDefault(srvhp->port, "5444");
+          useDefault(srvhp->dbname, "zev");
+        }
+        srvhp->attached = 1;
+        return zev::Leave::ThroughExitCallbacks;
+      },
+      srvhp, errhp, dblink, dblink_len, mode);
+}
+
+ZEV_API sword OCIServerDetach(OCIServer *srvhp, OCIError *errhp, ub4 mode) {
+  if (!zev::asServer(srvhp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
+  OCIEnv *env = zev::parentEnv(srvhp);
+  if (!env) return OCI_INVALID_HANDLE;
+
+  return zev::runFrame(
+      zev::frame::kServerDetach, env, errhp,
+      [&](sword &status) {
+        if (!srvhp->attached) {
+          status = zev::fail(errhp, 24324);
+          return zev::Leave::AtOnce;
+        }
+        forgetAddress(srvhp);
+        srvhp->attached = 0;
+        return zev::Leave::ThroughExitCallbacks;
+      },
+      srvhp, errhp, mode);
+}
+
+}  // extern "C"
