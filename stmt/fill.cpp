@@ -79,16 +79,23 @@ zev::Field fieldAt(const PGresult *result, const ColumnPlan &column, int row, in
           PQgetisnull(result, row, field) != 0};
 }
 
-/// The walk that all members share: `rows` rows from result row `first` on. The status is that of
-/// the last cell of the last column.
-sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result, ub4 first,
-                  ub4 rows) {
+/// Rows of a result and where they go.
+struct RowSpan {
+  ub4 first;      ///< row of the result
+  ub4 count;
+  ub4 bufferRow;  ///< row of the program's buffers
+};
+
+/// The walk that all members share. The status is that of the last cell of the last column.
+sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result,
+                  const RowSpan &rows) {
   sword status = OCI_SUCCESS;
   int field = 0;
   for (const ColumnPlan &column : plan.columns) {
-    for (ub4 row = 0; row < rows; ++row) {
+    for (ub4 i = 0; i < rows.count; ++i) {
       status = fillCell(errhp, column,
-                        fieldAt(result, column, static_cast<int>(first + row), field), row);
+                        fieldAt(result, column, static_cast<int>(rows.first + i), field),
+                        rows.bufferRow + i);
     }
     ++field;
   }
@@ -96,14 +103,14 @@ sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result
 }
 
 sword fillRows(const FetchPlan &plan, OCIError *errhp, const PGresult *result, ub4 nrows,
-               ub4 *resultRowPos, ub4 *rowsFetched) {
+               ub4 *resultRowPos, ub4 *rowsFetched, ub4 bufferRow = 0) {
   const ub4 start = *resultRowPos;
   const auto tuples = static_cast<ub4>(PQntuples(result));
   const ub4 available = tuples > start ? tuples - start : 0;
   const ub4 rows = std::min(nrows, available);
   *rowsFetched = rows;
   if (PQnfields(result) == 0) return OCI_SUCCESS;
-  const sword status = fillColumns(plan, errhp, result, start, rows);
+  const sword status = fillColumns(plan, errhp, result, {start, rows, bufferRow});
   if (!plan.columns.empty()) *resultRowPos += rows;
   return nrows > rows && !plan.columns.empty() ? OCI_NO_DATA : status;
 }
@@ -172,12 +179,12 @@ void freeFetchPlan(OCIStmt *stmt) {
   stmt->fetchPlan = nullptr;
 }
 
-sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows) {
+sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow) {
   if (isNothingToFill(stmt->defines, stmt->pgResult, nrows, &stmt->resultRowPos)) {
     return fail(errhp, 24374);
   }
   return fillRows(planOf(stmt), errhp, stmt->pgResult, nrows, &stmt->resultRowPos,
-                  &stmt->rowsFetched);
+                  &stmt->rowsFetched, bufferRow);
 }
 
 sword fillDefinesFromHeld(OCIStmt *stmt, OCIError *errhp, ub4 rowIndex) {
