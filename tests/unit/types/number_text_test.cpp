@@ -126,7 +126,7 @@ std::string printed(double x, sb4 precision, boolean trim = TRUE) {
 }
 
 TEST(Dtostr, BothPartsComeLastDigitFirst) {
-  EXPECT_EQ(printed(123.25, 6), "321.00052");  // 250000 reversed
+  EXPECT_EQ(printed(123.25, 6), "321.000052") << "250000 reversed";
   EXPECT_EQ(printed(120, 6), "021");
 }
 

@@ -249,9 +249,12 @@ TEST(NumericToText, NegativeThatIsCutToNothingKeepsItsSign) {
 }
 
 TEST(NumericStrip, ZerosAtBothEnds) {
-  const Record v = record(2, 0x4000, 0, {0, 12, 34, 0, 0});
-  strip_var(v.get());
-  EXPECT_EQ(shape(v.get()), "1 - 0: 12 34 ");
+  const Record leading = record(2, 0x4000, 0, {0, 12, 34});
+  strip_var(leading.get());
+  EXPECT_EQ(shape(leading.get()), "1 - 0: 12 34 ");
+  const Record trailing = record(2, 0, 0, {12, 0, 34, 0, 0});
+  strip_var(trailing.get());
+  EXPECT_EQ(shape(trailing.get()), "2 + 0: 12 0 34 ");
 }
 
 TEST(NumericStrip, NothingLeftIsAPositiveZero) {
