@@ -1,0 +1,147 @@
+/// What the tests of the converters share: environments, guarded buffers, error records, and the
+/// rows that state a case.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "types/bytes.h"
+#include "types/converters.h"
+#include "types/server_types.h"
+#include "zevoci/errors.h"
+
+namespace zevtest {
+
+using namespace std::string_literals;
+
+constexpr int kNoRecord = 0;
+/// In place of an indicator's value: the case passes no indicator.
+constexpr int kNoIndicator = 100000;
+
+/// An environment with an error handle.
+class Session {
+ public:
+  explicit Session(ub4 mode = OCI_DEFAULT) {
+    EXPECT_EQ(OCIEnvCreate(&env, mode, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
+              OCI_SUCCESS);
+    void *handle = nullptr;
+    EXPECT_EQ(OCIHandleAlloc(env, &handle, OCI_HTYPE_ERROR, 0, nullptr), OCI_SUCCESS);
+    errhp = static_cast<OCIError *>(handle);
+    env->oracleVarchars = 1;
+  }
+  ~Session() { OCIHandleFree(env, OCI_HTYPE_ENV); }
+  Session(const Session &) = delete;
+  Session &operator=(const Session &) = delete;
+
+  /// The code of the last record, kNoRecord for none; forgets all records.
+  int takeRecord() {
+    int code = kNoRecord;
+    lastMessage.clear();
+    for (const ErrorRecord *r : zev::Elements<ErrorRecord>(errhp->records)) {
+      code = r->errcode;
+      if ((r->content & kHasMsg) && r->msg) lastMessage = r->msg;
+    }
+    ClearErrorHandle(errhp);
+    return code;
+  }
+
+  OCIEnv *env = nullptr;
+  OCIError *errhp = nullptr;
+  std::string lastMessage;
+};
+
+/// The native bytes of a value.
+template <class T>
+std::string native(T value) {
+  std::string bytes(sizeof value, '\0');
+  std::memcpy(bytes.data(), &value, sizeof value);
+  return bytes;
+}
+
+/// The bytes of a value in network order.
+template <class T>
+std::string network(T value) {
+  std::string bytes = native(value);
+  return {bytes.rbegin(), bytes.rend()};
+}
+
+/// ASCII text as UTF-16LE.
+inline std::string utf16(const std::string &ascii) {
+  std::string wide;
+  for (const char c : ascii) wide += std::string{c, '\0'};
+  return wide;
+}
+
+/// A block of exactly `size` bytes, filled with "~", so that the sanitizer sees a write behind it.
+inline std::unique_ptr<char[]> guarded(std::size_t size) {
+  auto block = std::make_unique<char[]>(size);
+  std::memset(block.get(), '~', size);
+  return block;
+}
+
+/// A copy of `bytes` in a block of exactly their size.
+inline std::unique_ptr<char[]> exactCopy(const std::string &bytes) {
+  auto block = std::make_unique<char[]>(bytes.size());
+  zev::copyBytes(block.get(), bytes.data(), bytes.size());
+  return block;
+}
+
+/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
+inline std::mt19937_64 generator() {
+  const char *given = std::getenv("ZEVOCI_TEST_SEED");
+  const std::uint64_t run = given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
+  const auto *info = testing::UnitTest::GetInstance()->current_test_info();
+  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
+  return std::mt19937_64(run ^ std::hash<std::string>{}(info->name()));
+}
+
+/// One fetch of a field. `bytes` is the whole target afterwards, "~" where nothing was written,
+/// and longer than `cap` for the members that write behind it.
+struct FetchCase {
+  const char *name;
+  Oid oid;
+  ub2 dty;
+  ub1 format;
+  std::string value;
+  ub4 cap;
+  std::string bytes;
+  ub4 length;
+  int indicator = 0;
+  int code = kNoRecord;
+  sword result = 0;
+  int returnCode = 0;
+};
+
+/// One bind. A missing buffer is told by `isNull`.
+struct BindCase {
+  const char *name;
+  ToServerConverter convert;
+  std::string value;
+  sb4 length;
+  std::string bytes;
+  ub1 format;
+  sword result = 0;
+  int code = kNoRecord;
+  bool isNull = false;
+};
+
+template <class Case>
+std::string nameOf(const testing::TestParamInfo<Case> &info) {
+  return info.param.name;
+}
+
+inline std::ostream &operator<<(std::ostream &out, const FetchCase &c) { return out << c.name; }
+inline std::ostream &operator<<(std::ostream &out, const BindCase &c) { return out << c.name; }
+
+/// Runs a fetch through the dispatcher and compares all that is visible.
+void expectFetch(Session &session, const FetchCase &c);
+/// Runs a bind converter and compares all that is visible.
+void expectBind(Session &session, const BindCase &c);
+
+}  // namespace zevtest
