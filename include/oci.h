@@ -4,74 +4,97 @@
 #ifndef ZEVOCI_OCI_H
 #define ZEVOCI_OCI_H
 
+#include <stdarg.h>
+
 #include "oratypes.h"
 #include "ocidfn.h"
 #include "oro.h"
 #include "ort.h"
 #include "orl.h"
+#include "nzt.h"
+#include "oci1.h"
 
-/* Handles and descriptors. Their records are the library's own; programs hold pointers. */
-typedef struct OCIEnv OCIEnv;
-typedef struct OCIError OCIError;
-typedef struct OCISvcCtx OCISvcCtx;
-typedef struct OCIStmt OCIStmt;
-typedef struct OCIBind OCIBind;
-typedef struct OCIDefine OCIDefine;
-typedef struct OCIDescribe OCIDescribe;
-typedef struct OCIServer OCIServer;
-typedef struct OCISession OCISession;
-typedef struct OCITrans OCITrans;
-typedef struct OCISPool OCISPool;
-typedef struct OCICPool OCICPool;
-typedef struct OCIAdmin OCIAdmin;
-typedef struct OCISubscription OCISubscription;
-typedef struct OCIComplexObject OCIComplexObject;
-typedef struct OCIDirPathCtx OCIDirPathCtx;
-typedef struct OCIDirPathColArray OCIDirPathColArray;
-typedef struct OCIDirPathStream OCIDirPathStream;
-typedef struct OCILobLocator OCILobLocator;
-typedef struct OCISnapshot OCISnapshot;
-typedef struct OCIResult OCIResult;
-typedef struct OCIParam OCIParam;
-typedef struct OCIRowid OCIRowid;
-typedef struct OCIDateTime OCIDateTime;
-typedef struct OCIInterval OCIInterval;
-typedef struct OCIAQEnqOptions OCIAQEnqOptions;
-typedef struct OCIAQDeqOptions OCIAQDeqOptions;
-typedef struct OCIAQMsgProperties OCIAQMsgProperties;
-typedef struct OCIAQAgent OCIAQAgent;
-typedef struct OCIString OCIString;
-typedef struct OCIRaw OCIRaw;
-typedef struct OCIRef OCIRef;
-typedef struct OCIColl OCIColl;
-typedef struct OCIIter OCIIter;
-typedef struct OCIType OCIType;
-typedef struct OCIAnyData OCIAnyData;
-typedef struct OCIAnyDataSet OCIAnyDataSet;
-typedef struct OCIThreadId OCIThreadId;
-typedef struct OCIThreadHandle OCIThreadHandle;
-typedef struct OCIThreadMutex OCIThreadMutex;
-typedef struct OCIThreadKey OCIThreadKey;
-typedef struct OCIMsg OCIMsg;
-typedef struct OCIFileObject OCIFileObject;
-typedef struct OCIUcb OCIUcb;
-typedef struct OCIExtProcContext OCIExtProcContext;
-typedef OCISession OCIAuthInfo;
-typedef OCILobLocator OCIClobLocator;
-typedef OCILobLocator OCIBlobLocator;
-typedef OCILobLocator OCIBFileLocator;
-typedef OCIColl OCIArray;
-typedef OCIColl OCITable;
+/* Handles: allocated by OCIHandleAlloc (or a call named here), freed by OCIHandleFree. Their
+   records are the library's own; programs hold pointers. */
+typedef struct OCIEnv OCIEnv;                   /* environment, owner of all others */
+typedef struct OCIError OCIError;               /* error records of the last call */
+typedef struct OCISvcCtx OCISvcCtx;             /* service context: server, session, transaction */
+typedef struct OCIServer OCIServer;             /* address and connection of a server */
+typedef struct OCISession OCISession;           /* user, password and module of a session */
+typedef OCISession OCIAuthInfo;                 /* credentials for a session pool */
+typedef struct OCITrans OCITrans;               /* transaction identifier and timeout */
+typedef struct OCIStmt OCIStmt;                 /* statement, with its binds and defines */
+typedef struct OCIBind OCIBind;                 /* placeholder and its buffers; the statement's */
+typedef struct OCIDefine OCIDefine;             /* column and its buffers; the statement's */
+typedef struct OCIDescribe OCIDescribe;         /* result of OCIDescribeAny */
+typedef struct OCISPool OCISPool;               /* session pool */
+typedef struct OCICPool OCICPool;               /* connection pool */
+typedef struct OCIAdmin OCIAdmin;               /* parameters of a database startup */
+typedef struct OCISubscription OCISubscription; /* notification subscription */
+typedef struct OCIComplexObject OCIComplexObject;     /* complex object retrieval */
+typedef struct OCIDirPathCtx OCIDirPathCtx;           /* direct path load */
+typedef struct OCIDirPathColArray OCIDirPathColArray; /* its columns */
+typedef struct OCIDirPathStream OCIDirPathStream;     /* its stream */
 
-/* Asked for the value of a dynamic bind (OCIBindDynamic); must return OCI_CONTINUE. */
+/* Descriptors: allocated by OCIDescriptorAlloc, freed by OCIDescriptorFree. */
+typedef struct OCILobLocator OCILobLocator;           /* locator of a large object */
+typedef OCILobLocator OCIClobLocator;                 /* of character data */
+typedef OCILobLocator OCIBlobLocator;                 /* of binary data */
+typedef OCILobLocator OCIBFileLocator;                /* of an external file */
+typedef struct OCISnapshot OCISnapshot;               /* read-consistent view */
+typedef struct OCIResult OCIResult;                   /* result set */
+typedef struct OCIParam OCIParam;                     /* described column, argument or list */
+typedef struct OCIRowid OCIRowid;                     /* row identifier */
+typedef struct OCIDateTime OCIDateTime;               /* date, time and zone */
+typedef struct OCIInterval OCIInterval;               /* year-month or day-second interval */
+typedef struct OCIAQEnqOptions OCIAQEnqOptions;       /* queue: how to enqueue */
+typedef struct OCIAQDeqOptions OCIAQDeqOptions;       /* queue: how to dequeue */
+typedef struct OCIAQMsgProperties OCIAQMsgProperties; /* queue: a message's properties */
+typedef struct OCIAQAgent OCIAQAgent;                 /* queue: sender or recipient */
+typedef struct OCIUcb OCIUcb;                         /* user callback */
+
+/* Threads. */
+typedef struct OCIThreadId OCIThreadId;         /* identity of a thread */
+typedef struct OCIThreadHandle OCIThreadHandle; /* handle of a started thread */
+typedef struct OCIThreadMutex OCIThreadMutex;   /* mutex */
+typedef struct OCIThreadKey OCIThreadKey;       /* thread-specific value */
+
+/* Called with the value of a key when a thread that set it ends. */
+typedef void (*OCIThreadKeyDestFunc)(void *value);
+
+/* Asked for the value of a dynamic bind (OCIBindDynamic), row iter, element index. It stores the
+   buffer, its length in bytes, the piece (OCI_ONE_PIECE and kin) and the indicator; all stay the
+   program's. Must return OCI_CONTINUE. */
 typedef sb4 (*OCICallbackInBind)(void *ictxp, OCIBind *bindp, ub4 iter, ub4 index, void **bufpp,
                                  ub4 *alenp, ub1 *piecep, void **indpp);
-/* Asked for the buffer of a returned bind value (OCIBindDynamic); must return OCI_CONTINUE. */
+
+/* Asked for the buffer of a returned bind value (OCIBindDynamic): stores where the value, its
+   length, indicator and return code go. Must return OCI_CONTINUE. */
 typedef sb4 (*OCICallbackOutBind)(void *octxp, OCIBind *bindp, ub4 iter, ub4 index, void **bufpp,
                                   ub4 **alenpp, ub1 *piecep, void **indpp, ub2 **rcodepp);
-/* Asked for the buffer of a fetched value (OCIDefineDynamic); must return OCI_CONTINUE. */
+
+/* Asked for the buffer of a fetched value (OCIDefineDynamic), as OCICallbackOutBind. Must return
+   OCI_CONTINUE. */
 typedef sb4 (*OCICallbackDefine)(void *octxp, OCIDefine *defnp, ub4 iter, void **bufpp,
                                  ub4 **alenpp, ub1 *piecep, void **indpp, ub2 **rcodepp);
+
+/* Given a piece of len bytes read from a large object. Must return OCI_CONTINUE. */
+typedef sb4 (*OCICallbackLobRead)(void *ctxp, const void *bufp, ub4 len, ub1 piece);
+
+/* OCICallbackLobRead with 64-bit lengths; may store another buffer for the next piece. */
+typedef sb4 (*OCICallbackLobRead2)(void *ctxp, const void *bufp, oraub8 len, ub1 piece,
+                                   void **changed_bufpp, oraub8 *changed_lenp);
+
+/* Told of a failover: fo_type is OCI_FO_NONE, OCI_FO_SESSION, ..., fo_event OCI_FO_BEGIN, .... */
+typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4 fo_type,
+                                   ub4 fo_event);
+
+/* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after (OCI_UCBTYPE_EXIT)
+   the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that call's arguments,
+   returnCode what it has come to so far. Must return OCI_CONTINUE, or as a replacement the status
+   of the call. */
+typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
+                                 sword returnCode, sb4 *errnop, va_list arglist);
 
 /* Return codes. */
 #define OCI_CONTINUE                               (-24200)
@@ -697,13 +720,12 @@ typedef sb4 (*OCICallbackDefine)(void *octxp, OCIDefine *defnp, ub4 iter, void *
 /* Sizes and limits. */
 #define OCI_SQLSTATE_SIZE                          5
 #define OCI_MAX_VAL_SIZE                           22
-#define OCI_NUMBER_SIZE                            22
 #define OCI_ROWID_LEN                              23
 #define OCI_MAX_FNS                                100
 #define OCI_NLS_MAXBUFSZ                           100
 #define OCI_LOB_CONTENTTYPE_MAXSIZE                128
 #define OCI_ERROR_MAXMSG_SIZE                      1024
-#define OCI_LOBMAXSIZE                             4294967295
+#define OCI_LOBMAXSIZE                             4294967295U
 
 /* Values of OCI_ATTR_SERVER_STATUS. */
 #define OCI_SERVER_NOT_CONNECTED                   0
@@ -976,11 +998,24 @@ typedef sb4 (*OCICallbackDefine)(void *octxp, OCIDefine *defnp, ub4 iter, void *
 #define OCI_JSON_FORMAT_OSON                       1
 
 /* Attributes of this library's own. */
-#define ZEVOCI_ATTR_STMT_LEVEL_TX                  5000 /* ub1 on OCIServer: statement-level rollback */
-#define ZEVOCI_ATTR_CURSOR_STRATEGY                5001 /* ub4 on OCIServer, OCIStmt: 0 default, 1 declared, 2 portal */
-#define ZEVOCI_ATTR_VARCHARS                       5002 /* ub1 on OCIEnv: 3 empty text is null, 4 it is not */
-#define ZEVOCI_ATTR_HOLD_POLICY                    5003 /* ub4 on OCIServer, OCIStmt: 0, 5 or 6 */
+
+/* ub1 on OCIServer: not 0 asks the server to undo a failing statement alone, so that its
+   transaction stays open. The server must know the parameter zev_stmt_level_tx. */
+#define ZEVOCI_ATTR_STMT_LEVEL_TX                  5000
+
+/* ub4 on OCIServer and OCIStmt: how a SELECT reads. 0 as the server handle says, 1 through a
+   declared cursor WITH HOLD, which outlives the transaction, 2 through a portal. */
+#define ZEVOCI_ATTR_CURSOR_STRATEGY                5001
+
+/* ub1 on OCIEnv: 0 and 3 make empty text NULL, 4 keeps it empty; reads as 3 or 4. */
+#define ZEVOCI_ATTR_VARCHARS                       5002
+
+/* ub4 on OCIServer and OCIStmt: what surrounds the declaration of a cursor. 0 a transaction is
+   begun, 5 nothing is sent, 6 it is committed. */
+#define ZEVOCI_ATTR_HOLD_POLICY                    5003
 
 #include "ociap.h"
+#include "ori.h"
+#include "ociapr.h"
 
 #endif /* ZEVOCI_OCI_H */

@@ -75,23 +75,28 @@ sword OCIPGErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, ub4 sqlstatesi
 
 /* ---- Attributes ---- */
 
-/* Reads an OCI_ATTR_* attribute into *attributep, in the width of that attribute. *sizep is
-   written for text attributes only. */
+/* Reads an OCI_ATTR_* attribute of a handle of type trghndltyp into *attributep, in the width of
+   that attribute. *sizep, which may be null, is written for texts and blocks, otherwise left
+   alone or set to 0. An unknown attribute is OCI_ERROR, with a record for most handle types. */
 sword OCIAttrGet(const void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 *sizep,
                  ub4 attrtype, OCIError *errhp);
 
-/* Sets an OCI_ATTR_* attribute. size counts for text attributes and OCI_ATTR_XID. */
+/* Sets an OCI_ATTR_* attribute from *attributep, in the width of that attribute; the value is
+   copied, handles are referred to. size counts for text attributes (in bytes) and
+   OCI_ATTR_XID. */
 sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size, ub4 attrtype,
                  OCIError *errhp);
 
 /* ---- Connections ---- */
 
-/* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI. Nothing is sent;
-   the connection is made by OCISessionBegin. */
+/* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI; dblink_len 0 or
+   below means localhost, port 5444, database "zev". Nothing is sent; the connection is made by
+   OCISessionBegin. Record 24309 when the server is attached already. */
 sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink, sb4 dblink_len,
                       ub4 mode);
 
-/* Forgets the address; a connection that is still open stays until the handle is freed. */
+/* Forgets the address; a connection that is still open stays until the handle is freed. Record
+   24324 when the server is not attached. */
 sword OCIServerDetach(OCIServer *srvhp, OCIError *errhp, ub4 mode);
 
 /* Connects the server of svchp as the user of usrhp. mode takes OCI_STMT_CACHE. A failure to
@@ -101,8 +106,8 @@ sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 
 /* Closes the connection of the service context's server. */
 sword OCISessionEnd(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 mode);
 
-/* Attaches and begins a session in one call; *svchp is the new service context. A text with no
-   length is taken as absent. */
+/* Attaches and begins a session in one call; *svchp is the new service context, null on failure.
+   A null username or dbname is record 21560. */
 sword OCILogon(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp, const OraText *username,
                ub4 uname_len, const OraText *password, ub4 passwd_len, const OraText *dbname,
                ub4 dbname_len);
@@ -158,14 +163,17 @@ sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp, const 
    of the cache. */
 sword OCIStmtRelease(OCIStmt *stmtp, OCIError *errhp, const OraText *key, ub4 key_len, ub4 mode);
 
-/* Ties a placeholder, named with its colon, to a buffer. placeh_len -1 takes a terminated name.
-   A placeholder that is not in the statement is record 16952. */
+/* Ties a placeholder, named with its colon, to a buffer that is read at each execute; the buffers
+   stay the program's. placeh_len -1 takes a terminated name. value_sz is the size in bytes of one
+   value (SQLT_STR: the terminator included) and the stride of an array; dty a SQLT_* code; indp an
+   array of sb2 (-1 sends NULL), alenp of lengths in bytes, each of which may be null. The new bind
+   handle goes to *bindpp. A placeholder that is not in the statement is record 16952. */
 sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, const OraText *placeholder,
                     sb4 placeh_len, void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *alenp,
                     ub2 *rcodep, ub4 maxarr_len, ub4 *curelep, ub4 mode);
 
-/* Ties the placeholder at a position, counted from 1, to a buffer. A position that is not in the
-   statement is record 28553. */
+/* OCIBindByName with the placeholder's position in the text, counted from 1. A position that is
+   not in the statement is record 28553. */
 sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub4 position, void *valuep,
                    sb4 value_sz, ub2 dty, void *indp, ub2 *alenp, ub2 *rcodep, ub4 maxarr_len,
                    ub4 *curelep, ub4 mode);
@@ -187,11 +195,19 @@ sword OCIStmtGetBindInfo(OCIStmt *stmtp, OCIError *errhp, ub4 size, ub4 startloc
                          OCIBind **hndl);
 
 /* Runs a prepared statement: rows rowoff to iters - 1 of its binds, or for a SELECT the first
-   iters rows into its defines (0 only opens it). OCI_NO_DATA when a SELECT has fewer rows. */
+   iters rows into its defines (0 only opens it). OCI_NO_DATA when a SELECT has fewer rows. mode is
+   OCI_DEFAULT, OCI_DESCRIBE_ONLY, OCI_PARSE_ONLY, OCI_EXACT_FETCH, OCI_COMMIT_ON_SUCCESS or
+   OCI_STMT_SCROLLABLE_READONLY. Records: 24337 for an unprepared statement, 24333 for iters 0 on
+   other than a SELECT, 25407 for a broken connection, 1422 for too many rows of an exact fetch, and
+   the server's own. A transaction is begun where none is open; DDL ends it. A server error rolls
+   it back. The snapshots are not used. */
 sword OCIStmtExecute(OCISvcCtx *svchp, OCIStmt *stmtp, OCIError *errhp, ub4 iters, ub4 rowoff,
                      const OCISnapshot *snap_in, OCISnapshot *snap_out, ub4 mode);
 
-/* Ties a column, counted from 1, to a buffer. */
+/* Ties a column, counted from 1, to a buffer that each fetch writes: an array with one element of
+   value_sz bytes a row. indp (sb2: -1 for NULL), rlenp (ub2, bytes) and rcodep (ub2: 1405 for NULL,
+   1406 for a value cut off) are arrays too, each of which may be null. Define every column from
+   the first on: fetching stops at the first one without a define. */
 sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp, ub4 position,
                      void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *rlenp, ub2 *rcodep,
                      ub4 mode);
@@ -204,7 +220,9 @@ sword OCIDefineArrayOfStruct(OCIDefine *defnp, OCIError *errhp, ub4 pvskip, ub4 
 /* Registers the callback that supplies the buffers of a define. */
 sword OCIDefineDynamic(OCIDefine *defnp, OCIError *errhp, void *octxp, OCICallbackDefine ocbfp);
 
-/* Fetches the next nrows rows (0 cancels the cursor). OCI_NO_DATA when fewer came. */
+/* Fetches the next nrows rows (0 cancels the cursor). OCI_NO_DATA when fewer came, with those in
+   the defines and their number in OCI_ATTR_ROWS_FETCHED. Records: 24338 before an execute, 24391
+   for an orientation that the statement does not allow, 24374 with no defines. */
 sword OCIStmtFetch(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation, ub4 mode);
 
 /* OCIStmtFetch with all orientations; those other than OCI_FETCH_NEXT need a statement executed

@@ -54,6 +54,10 @@ typedef void dvoid;
 /* Macros of old programs for prototypes and constants. */
 #define CONST const
 #define STATICF static
+#ifdef __cplusplus
+#define externC extern "C"
+#else
 #define externC extern
+#endif
 
 #endif /* ZEVOCI_ORATYPES_H */

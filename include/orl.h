@@ -1,5 +1,5 @@
 /*
- * orl.h: number, date and interval values of the client.
+ * orl.h: number, date, text and collection values of the client.
  */
 #ifndef ZEVOCI_ORL_H
 #define ZEVOCI_ORL_H
@@ -7,8 +7,9 @@
 #include "oratypes.h"
 #include "oro.h"
 
+#define OCI_NUMBER_SIZE 22 /* bytes of an OCINumber */
+
 /* Oracle number: a length byte, an exponent byte and up to 20 base-100 digits. */
-#define OCI_NUMBER_SIZE 22
 typedef struct OCINumber {
   ub1 OCINumberPart[OCI_NUMBER_SIZE];
 } OCINumber;
@@ -27,6 +28,13 @@ typedef struct OCIDate {
   ub1 OCIDateDD;   /* 1 to 31 */
   OCITime OCIDateTime;
 } OCIDate;
+
+typedef struct OCIString OCIString; /* text of variable length */
+typedef struct OCIRaw OCIRaw;       /* bytes of variable length */
+typedef struct OCIColl OCIColl;     /* collection of either kind */
+typedef OCIColl OCIArray;           /* varying array */
+typedef OCIColl OCITable;           /* nested table */
+typedef struct OCIIter OCIIter;     /* iterator over a collection */
 
 /* What OCIDateCheck found, as bits. */
 #define OCI_DATE_INVALID_DAY                       0x1

@@ -21,27 +21,34 @@
 #define OCI_DURATION_LAST                          14
 #define OCI_DURATION_INVALID                       65535
 
-/* Object lock, pin and free options. */
-#define OCI_TYPEPARAM_IN                           0
-#define OCI_LOCK_NONE                              1
+/* Which version of an object a pin gives. */
+typedef enum OCIPinOpt {
+  OCI_PIN_DEFAULT = 1, /* as the environment is set */
+  OCI_PIN_ANY = 3,     /* whatever is in the cache */
+  OCI_PIN_RECENT = 4,  /* the latest that this transaction has read */
+  OCI_PIN_LATEST = 5   /* the server's latest */
+} OCIPinOpt;
+
+/* How an object is locked when it is pinned. */
+typedef enum OCILockOpt {
+  OCI_LOCK_NONE = 1,    /* not at all */
+  OCI_LOCK_X = 2,       /* exclusively */
+  OCI_LOCK_X_NOWAIT = 3 /* exclusively, or fail at once */
+} OCILockOpt;
+
+/* Flags of freeing an object. */
 #define OCI_OBJECTFREE_FORCE                       1
-#define OCI_PIN_DEFAULT                            1
-#define OCI_TYPEPARAM_OUT                          1
-#define OCI_LOCK_X                                 2
 #define OCI_OBJECTFREE_NONULL                      2
-#define OCI_TYPEPARAM_INOUT                        2
-#define OCI_LOCK_X_NOWAIT                          3
-#define OCI_PIN_ANY                                3
 #define OCI_OBJECTFREE_HEADER                      4
-#define OCI_PIN_RECENT                             4
-#define OCI_PIN_LATEST                             5
 
 /* Null indicators (OCIInd). */
 #define OCI_IND_NULL                               (-1)
 #define OCI_IND_NOTNULL                            0
 
-typedef ub2 OCIDuration;
-typedef sb2 OCIInd;
-typedef ub1 OCIObjectPropId;
+typedef ub2 OCIDuration;     /* how long an object or a memory block lives */
+typedef sb2 OCIInd;          /* OCI_IND_NULL or OCI_IND_NOTNULL */
+typedef ub1 OCIObjectPropId; /* property of an object */
+
+typedef struct OCIRef OCIRef; /* reference to an object */
 
 #endif /* ZEVOCI_ORO_H */

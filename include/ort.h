@@ -63,7 +63,21 @@
 #define OCI_TYPECODE_NCLOB                         288
 #define OCI_TYPECODE_OTMLAST                       320
 
-typedef ub2 OCITypeCode;
-typedef enum OCITypeGetOpt { OCI_TYPEGET_HEADER, OCI_TYPEGET_ALL } OCITypeGetOpt;
+typedef ub2 OCITypeCode; /* one of the codes above */
+
+/* How much of a type a lookup brings. */
+typedef enum OCITypeGetOpt {
+  OCI_TYPEGET_HEADER = 0, /* its header alone */
+  OCI_TYPEGET_ALL = 1     /* attributes and methods too */
+} OCITypeGetOpt;
+
+/* Direction of a method's argument. */
+#define OCI_TYPEPARAM_IN                           0
+#define OCI_TYPEPARAM_OUT                          1
+#define OCI_TYPEPARAM_INOUT                        2
+
+typedef struct OCIType OCIType;             /* description of a type */
+typedef struct OCIAnyData OCIAnyData;       /* a value with its type */
+typedef struct OCIAnyDataSet OCIAnyDataSet; /* values of one type */
 
 #endif /* ZEVOCI_ORT_H */

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Compiles each public header alone, in every language that programs use it from, and the facts of
+# the published interface against them.
+#
+# usage: headers.sh SOURCE_DIR CC CXX
+set -euo pipefail
+here=$1/tests/install include=$1/include cc=$2 cxx=$3
+warnings=(-pedantic -Wall -Wextra -Wshadow -Werror -fsyntax-only "-I$include")
+
+failed=0
+alone() {  # HEADER COMPILER...: one translation unit that holds the header, twice
+  local header=$1
+  shift
+  printf '#include "%s"\n#include "%s"\ntypedef int zevoci_unit;\n' "$header" "$header" |
+    "$@" "${warnings[@]}" - || { echo "FAILED: $header with $*" >&2; failed=1; }
+}
+
+for path in "$include"/*.h; do
+  header=$(basename "$path")
+  for standard in c89 c99 c11; do alone "$header" "$cc" "-std=$standard" -x c; done
+  for standard in c++11 c++20; do alone "$header" "$cxx" "-std=$standard" -x c++; done
+done
+"$cc" -std=c11 "${warnings[@]}" "$here/header_facts.c" ||
+  { echo "FAILED: facts of the published interface" >&2; failed=1; }
+exit $failed
