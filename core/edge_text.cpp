@@ -7,7 +7,7 @@
 namespace zev {
 
 EdgeText::EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
-  if (env->utf16) {
+  if (env && env->utf16) {
     convert(env->toUtf8, source, length);
   } else if (source) {
     data_ = static_cast<const char *>(source);
@@ -16,7 +16,7 @@ EdgeText::EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
 }
 
 EdgeResult::EdgeResult(const OCIEnv *env, const void *source, std::size_t length) {
-  if (env->utf16) {
+  if (env && env->utf16) {
     convert(env->fromUtf8, source, length);
   } else if (source) {
     data_ = static_cast<const char *>(source);

@@ -12,7 +12,8 @@ namespace zev {
 /// block; otherwise it is the caller's bytes, not copied.
 class EdgeText {
  public:
-  /// Converts `length` bytes at `source`; a null source is an empty text.
+  /// Converts `length` bytes at `source`; a null source is an empty text. Without an environment
+  /// text passes as it stands.
   EdgeText(const OCIEnv *env, const void *source, std::size_t length);
 
   /// False after a failed conversion.

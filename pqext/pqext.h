@@ -1,41 +1,86 @@
 /// Client operations that stock libpq lacks, beside it on the same connection.
 ///
-/// Each leaves the connection in a state in which the next plain libpq call works.
+/// Each leaves the connection in a state in which the next plain libpq call works. An
+/// operation whose results have not been read yet counts as unread, as with libpq's own
+/// PQsend functions: read until null before the next call of any kind.
+///
+/// With ZEVOCI_NATIVE_PQEXT the client library itself has the operations, and only the
+/// PQext functions are defined here, as far as they mean anything then.
 #pragma once
 
 #include <libpq-fe.h>
 
+#ifdef ZEVOCI_NATIVE_PQEXT
+#include "pqext/native.h"
+#else
+
 extern "C" {
 
-/// Opens the portal `portalName` over the prepared statement `stmtName`. Non-zero when sent; the
-/// connection's error message tells why not. Exactly one result follows through PQextGetResult,
-/// PGRES_COMMAND_OK on success. `resultFormat` must be 0 (text). Arrays are as for
-/// PQexecPrepared.
-int PQsendBindPrepared(PGconn *conn, const char *portalName, const char *stmtName, int nParams,
-                       const char *const *paramValues, const int *paramLengths,
-                       const int *paramFormats, int resultFormat);
+/// Opens the portal `portalName` over the prepared statement `stmtName`. Non-zero when
+/// sent; the connection's error message tells why not. Exactly one result follows through
+/// PQextGetResult, PGRES_COMMAND_OK on success. `resultFormat` must be 0 (text). Arrays
+/// are as for PQexecPrepared. The portal is an SQL cursor and, like one, needs an open
+/// transaction.
+int PQsendBindPrepared(PGconn *conn, const char *portalName, const char *stmtName,
+                       int nParams, const char *const *paramValues,
+                       const int *paramLengths, const int *paramFormats,
+                       int resultFormat);
 
-/// Fetches `count` rows (0: all) of a portal or cursor. Non-zero when sent; exactly one result
-/// follows, PGRES_TUPLES_OK on success.
+/// Fetches `count` rows (0, or more than INT_MAX: all that are left) of a portal or
+/// cursor. Non-zero when sent; exactly one result follows, PGRES_TUPLES_OK on success.
 int PQsendFetchPrepared(PGconn *conn, const char *portalName, unsigned int count);
 
 /// Closes a portal or declared cursor. 1 when sent; exactly one result follows,
-/// PGRES_COMMAND_OK also when the portal is gone already and in a failed transaction.
+/// PGRES_COMMAND_OK also when the portal is gone already and in a failed transaction,
+/// where what survives the failure is closed by the first operation after it. A name that
+/// was not opened here costs a question whether it exists.
 int PQsendClosePortal(PGconn *conn, const char *portalName);
 
-/// The next result of an operation of this header, waiting for it; null when there is none left.
+/// The next result of an operation of this header, waiting for it; null when there is
+/// none left.
 PGresult *PQextGetResult(PGconn *conn);
 
-/// Attaches the adapter's state to a new connection; non-zero on success. Every operation does
-/// this by itself on first use.
+/// Attaches the adapter's state to a new connection; non-zero on success. Every operation
+/// does this by itself on first use. The state is freed with the connection.
 int PQextAttach(PGconn *conn);
 
-/// Says whether the next PQsendBindPrepared must be able to move backward whatever the plan.
+/// Says whether the next PQsendBindPrepared, and only that one, must be able to move
+/// backward whatever the plan. Without it a portal moves forward only, at no extra cost.
 void PQextScrollNext(PGconn *conn, int scroll);
 
-/// Tells the adapter the text and declared parameter types of a statement that was prepared on
-/// the connection, which saves it a question to the server, and that a statement is gone.
-void PQextRememberPrepared(PGconn *conn, const char *stmtName, const char *query, int nParams,
-                           const Oid *paramTypes);
+/// Tells the adapter the text and declared parameter types of a statement that was
+/// prepared on the connection, which saves it a question to the server, and that a
+/// statement is gone. A null `paramTypes`, or a zero in it, leaves the type to the
+/// server.
+void PQextRememberPrepared(PGconn *conn, const char *stmtName, const char *query,
+                           int nParams, const Oid *paramTypes);
 void PQextForgetPrepared(PGconn *conn, const char *stmtName);
+
+/// Closes a portal or declared cursor together with the next PQsendBindPrepared, in the
+/// same round trip. No result of it is to be seen. Costs nothing when the transaction
+/// ends before.
+void PQextCloseLater(PGconn *conn, const char *portalName);
+
+/// Does now what is still to be closed: at most one question and one command. Non-zero
+/// when nothing is left to close; zero in a failed transaction with something to close,
+/// and when the server refused.
+int PQextFlush(PGconn *conn);
+
+/// Announces that the next PQsendBindPrepared, and only that one, will be followed by
+/// PQsendFetchPrepared of the same portal with this `count`: both go out in one round
+/// trip, and that fetch then hands out what has been read. Each operation still has its
+/// own result: an error of the fetch is the fetch's. Notices of both reach the notice
+/// processor that is set while the bind's result is read. A fetch of another count gets
+/// the rows read ahead first and the missing ones from the server, but its command tag
+/// may name another number; SQL of one's own that moves the portal before that fetch
+/// moves it from behind the rows read ahead. Ignored for a portal that can move backward,
+/// whose position must stand where the program sees it.
+void PQextExpectFetch(PGconn *conn, unsigned int count);
+
+/// Has the next PQsendBindPrepared, and only that one, send BEGIN before it in the same
+/// round trip when no transaction is open by then. Its failure is dropped: the bind then
+/// fails itself.
+void PQextBeginFirst(PGconn *conn);
 }
+
+#endif

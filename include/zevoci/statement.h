@@ -84,6 +84,8 @@ struct OCIStmt : OCIHandle {
   ub4 arrayRowCount;
   List *memCache;  ///< blocks of AllocateMemFromStmtCache
   zev::FetchPlan *fetchPlan;  ///< owned; converters looked up for the columns of pgResult
+  ub1 *heldKey;  ///< owned; the key that the statement was asked for under, while in use
+  ub4 heldKeyLen;
 };
 
 /// Directions of a parameter, as OCIBind::paramMode and in paramDirs.

@@ -1,0 +1,11 @@
+/// The string value of the object interface, as SQLT_VST binds and defines point to it.
+#pragma once
+
+#include <oci.h>
+
+/// A text with the room it may take. `text` comes from the system allocator.
+struct OCIString {
+  ub4 allocatedSize;  ///< bytes that `text` has room for
+  ub4 length;         ///< bytes of `text` in use, without a terminator
+  OraText *text;
+};

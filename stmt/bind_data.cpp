@@ -1,0 +1,146 @@
+#include "stmt/bind_data.h"
+
+#include <cstdlib>
+
+#include "zevoci/conversion.h"
+#include "zevoci/trace.h"
+
+namespace {
+
+constexpr sb2 kNull = OCI_IND_NULL;
+
+/// Where one row of a bind's buffers lies; each may be null.
+struct RowBuffers {
+  void *value;
+  sb2 *indicator;
+  ub2 *length;
+};
+
+template <class T>
+T *rowOf(T *base, ub4 iteration, std::size_t stride) {
+  if (!base) return nullptr;
+  return reinterpret_cast<T *>(reinterpret_cast<char *>(base) + iteration * stride);
+}
+
+RowBuffers rowBuffers(const OCIBind *bind, ub4 iteration) {
+  const bool isStruct = bind->isStruct;
+  auto *value = static_cast<char *>(bind->valuep);
+  const auto valueStride =
+      isStruct ? bind->pvskip : static_cast<std::size_t>(bind->valueSize);
+  return {rowOf(value, iteration, valueStride),
+          rowOf(bind->indp, iteration, isStruct ? bind->indskip : sizeof(sb2)),
+          rowOf(bind->alenp, iteration, isStruct ? bind->alskip : sizeof(ub2))};
+}
+
+bool mayBeEmpty(ub2 dty) { return dty == SQLT_STR || dty == SQLT_AFC || dty == SQLT_AVC; }
+
+bool emptyIsNull(const OCIError *errhp) {
+  const OCIEnv *env = zev::asEnv(errhp->parenth);
+  return env && env->oracleVarchars;
+}
+
+sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
+  const RowBuffers row = rowBuffers(bind, iteration);
+  if (!row.length && bind->dty == SQLT_RSET) return 0;
+  const sb4 length = row.length ? *row.length : bind->valueSize;
+
+  sb2 local = 0;
+  sb2 *indicator = row.indicator ? row.indicator : &local;
+  if (*indicator != kNull && (!row.value || (length == 0 && !mayBeEmpty(bind->dty)))) {
+    *indicator = kNull;
+  }
+  // The types that may be empty are still null where empty text is; the program's own indicator
+  // then stays as it is.
+  sb2 empty = kNull;
+  if (*indicator >= 0 && length == 0 && emptyIsNull(errhp)) indicator = &empty;
+
+  void *converted = nullptr;
+  const sword status = OCI2PQType(errhp, bind->dty, row.value, length, indicator, bind->pgType,
+                                  &converted, &bind->pgLength, &bind->pgFormat);
+  bind->pgValue = static_cast<char *>(converted);
+  if (status < 0 && !row.length) AddErrorRecord(errhp, OCI_ERROR, 16530);
+  return status;
+}
+
+/// A bind whose values come from a callback.
+sword convertDynamic(const OCIBind *bind, OCIError *errhp) {
+  if (!bind->icbfp) return OCI_NEED_DATA;
+  return zev::fail(errhp, 3001);
+}
+
+bool stopsWalk(sword status) { return status < 0 || status > OCI_SUCCESS_WITH_INFO; }
+
+}  // namespace
+
+extern "C" {
+
+sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration) {
+  if (!zev::asStmt(stmt) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
+  if (!stmt->paramCount) return OCI_SUCCESS;
+  sword status = OCI_SUCCESS;
+  for (OCIBind *bind : zev::Elements<OCIBind>(stmt->binds)) {
+    if (!bind || bind == stmt->returnBind) continue;
+    bind->pgValue = nullptr;
+    bind->pgLength = 0;
+    bind->pgFormat = 0;
+    ocitrace(kTraceBindData, "GetOCIBindData", "processing parameter %s\n", bind->name);
+    status = bind->isDynamic ? convertDynamic(bind, errhp) : convertRow(bind, errhp, iteration);
+    if (stopsWalk(status)) {
+      release_binds_pgdata(stmt->binds);
+      return status;
+    }
+  }
+  return status;
+}
+
+sword bindPgValues(List **placeholderBinds, char ***values, int **lengths, int **formats) {
+  const ub4 count = list_length(*placeholderBinds);
+  *values = static_cast<char **>(std::malloc(count * sizeof(char *)));
+  *lengths = static_cast<int *>(std::malloc(count * sizeof(int)));
+  *formats = static_cast<int *>(std::malloc(count * sizeof(int)));
+  if (!*values || !*lengths || !*formats) return OCI_ERROR;
+  ub4 i = 0;
+  for (const OCIBind *bind : zev::Elements<OCIBind>(*placeholderBinds)) {
+    (*values)[i] = bind ? bind->pgValue : nullptr;
+    (*lengths)[i] = bind ? static_cast<int>(bind->pgLength) : 0;
+    (*formats)[i++] = bind ? bind->pgFormat : 0;
+  }
+  return OCI_SUCCESS;
+}
+
+void release_binds_pgdata(List *binds) {
+  for (OCIBind *bind : zev::Elements<OCIBind>(binds)) {
+    if (!bind) continue;
+    std::free(bind->pgValue);
+    bind->pgValue = nullptr;
+  }
+}
+
+}  // extern "C"
+
+namespace zev {
+
+ParameterArrays::ParameterArrays(const List *placeholderBinds) : binds_(placeholderBinds) {
+  const ub4 count = list_length(placeholderBinds);
+  values_.resize(count);
+  lengths_.resize(count);
+  formats_.resize(count);
+}
+
+void ParameterArrays::gather() {
+  std::size_t i = 0;
+  for (const OCIBind *bind : Elements<OCIBind>(binds_)) {
+    values_[i] = bind ? bind->pgValue : nullptr;
+    lengths_[i] = bind ? static_cast<int>(bind->pgLength) : 0;
+    formats_[i++] = bind ? bind->pgFormat : 0;
+  }
+}
+
+wire::Parameters ParameterArrays::parameters(ub4 count) const {
+  return {.count = static_cast<int>(count),
+          .values = values_.data(),
+          .lengths = lengths_.data(),
+          .formats = formats_.data()};
+}
+
+}  // namespace zev

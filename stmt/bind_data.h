@@ -1,0 +1,40 @@
+/// From the program's bind buffers to the parameter arrays of the client library.
+#pragma once
+
+#include <vector>
+
+#include "core/wire.h"
+#include "zevoci/statement.h"
+
+extern "C" {
+/// Converts row `iteration` of every bind of a statement. 0, 1, or the failing status, with no
+/// value left behind then.
+ZEV_HELPER sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration);
+/// Makes new arrays of the converted values of `*placeholderBinds`, in "$n" order. The caller
+/// frees the arrays; the values stay with the binds. -1 when memory runs out.
+ZEV_HELPER sword bindPgValues(List **placeholderBinds, char ***values, int **lengths,
+                              int **formats);
+/// Frees the converted value of each bind.
+ZEV_HELPER void release_binds_pgdata(List *binds);
+}
+
+namespace zev {
+
+/// The parameter arrays of one execution; bindPgValues with an owner.
+class ParameterArrays {
+ public:
+  /// Takes room for one element per element of `placeholderBinds`.
+  explicit ParameterArrays(const List *placeholderBinds);
+  /// Takes over the values that the binds hold at this moment.
+  void gather();
+  /// What the client library's calls take; `count` is the number of parameters sent.
+  wire::Parameters parameters(ub4 count) const;
+
+ private:
+  const List *binds_;
+  std::vector<const char *> values_;
+  std::vector<int> lengths_;
+  std::vector<int> formats_;
+};
+
+}  // namespace zev

@@ -1,0 +1,55 @@
+/// The converters that the tables name, in the order of the files that define them.
+#pragma once
+
+#include "zevoci/conversion.h"
+
+/// The shapes of the two directions, for declarations; conversion.h tells what the
+/// arguments are.
+using ToServerFunction = std::remove_pointer_t<ToServerConverter>;
+using FromServerFunction = std::remove_pointer_t<FromServerConverter>;
+
+// clang-format off
+extern "C" {
+
+// Integers that are bound: signed and unsigned ones alike are sign-extended.
+ZEV_HELPER ToServerFunction
+    ConvertSQLT_INTToCHAROID, ConvertSQLT_INTToINT2OID, ConvertSQLT_INTToINT4OID,
+    ConvertSQLT_INTToINT8OID, ConvertSQLT_INTToNUMERICOID;
+
+// Floats that are bound.
+ZEV_HELPER ToServerFunction ConvertSQLT_FLTToFLOAT4OID, ConvertSQLT_FLTToFLOAT8OID;
+
+// Binary strings that are bound.
+ZEV_HELPER ToServerFunction
+    ConvertSQLT_BINToBYTEAOID, ConvertSQLT_LBIToBYTEAOID, ConvertSQLT_VBIToBYTEAOID,
+    ConvertSQLT_LVBToBYTEAOID;
+
+// Character data that are bound. The result is NUL-terminated and its length counts the NUL.
+ZEV_HELPER ToServerFunction
+    ConvertSQLT_CHRToTEXTOID, ConvertSQLT_LNGToTEXTOID, ConvertSQLT_AFCToTEXTOID,
+    ConvertSQLT_STRToTEXTOID, ConvertSQLT_VCSToTEXTOID, ConvertSQLT_LVCToTEXTOID,
+    ConvertSQLT_VSTToTEXTOID;
+
+// Numbers that are fetched into characters.
+ZEV_HELPER FromServerFunction
+    ConvertINT2OIDToSQLT_CHR,    ConvertINT2OIDToSQLT_STR,
+    ConvertINT4OIDToSQLT_CHR,    ConvertINT4OIDToSQLT_STR,
+    ConvertINT8OIDToSQLT_CHR,    ConvertINT8OIDToSQLT_STR,
+    ConvertFLOAT8OIDToSQLT_CHR,  ConvertFLOAT8OIDToSQLT_STR,
+    ConvertNUMERICOIDToSQLT_CHR, ConvertNUMERICOIDToSQLT_STR;
+
+// Numbers that are fetched into native numbers.
+ZEV_HELPER FromServerFunction
+    ConvertINT2OIDToSQLT_INT,    ConvertINT2OIDToSQLT_FLT,
+    ConvertINT4OIDToSQLT_INT,    ConvertINT4OIDToSQLT_FLT,
+    ConvertINT8OIDToSQLT_INT,    ConvertINT8OIDToSQLT_FLT,
+    ConvertFLOAT8OIDToSQLT_INT,  ConvertFLOAT8OIDToSQLT_FLT,
+    ConvertNUMERICOIDToSQLT_INT, ConvertNUMERICOIDToSQLT_FLT;
+
+// Character data that are fetched.
+ZEV_HELPER FromServerFunction
+    ConvertTEXTOIDToSQLT_CHR, ConvertTEXTOIDToSQLT_STR, ConvertTEXTOIDToSQLT_INT,
+    ConvertTEXTOIDToSQLT_FLT;
+
+}
+// clang-format on

@@ -1,0 +1,64 @@
+/// What the converters of fetched values share: arguments, the null rule, reports of
+/// overflow.
+#pragma once
+
+#include <limits>
+
+#include "types/bytes.h"
+#include "types/converters.h"
+#include "zevoci/errors.h"
+
+/// The arguments of a converter from the server; conversion.h tells what they are.
+/// `*targetLength` is the size of the target on entry.
+#define FETCH_PARAMS                                                                     \
+  [[maybe_unused]] OCIError *errhp, const void *value, [[maybe_unused]] sb4 valueLength, \
+      [[maybe_unused]] ub1 format, void *target, ub4 *targetLength,                      \
+      [[maybe_unused]] sb2 *indicator, [[maybe_unused]] ub2 *returnCode
+#define FETCH_ARGUMENTS \
+  errhp, value, valueLength, format, target, targetLength, indicator, returnCode
+
+namespace zev {
+
+/// Formats of a fetched field.
+enum FieldFormat : ub1 { kFieldText = 0, kFieldBinary = 1 };
+
+inline void clearIndicator(sb2 *indicator) {
+  if (indicator) *indicator = 0;
+}
+
+/// Whether a field counts as null: no value, no bytes, or an empty text.
+inline bool isNullField(const void *value, sb4 valueLength, ub1 format) {
+  return !value || valueLength <= 0 ||
+         (format == kFieldText && *static_cast<const char *>(value) == '\0');
+}
+
+/// What a null field does: 1405 in `*returnCode`, -1 in `*indicator` and success; without
+/// an indicator record 1405 and status 1.
+sword deliverNull(OCIError *errhp, sb2 *indicator, ub2 *returnCode);
+
+/// Stores how many bytes are missing; 65534 stands for all counts from 65536 on.
+inline void reportMissing(sb2 *indicator, std::size_t missing) {
+  if (indicator) *indicator = static_cast<sb2>(missing >= 65536 ? 65534 : missing);
+}
+
+/// Records `code` and returns `status`, where a record does not make the call fail.
+inline sword record(OCIError *errhp, sb4 code, sword status) {
+  AddErrorRecord(errhp, OCI_ERROR, code);
+  return status;
+}
+
+/// Whether `value` survives in a `Narrow`.
+template <class Narrow, class Wide>
+constexpr bool fits(Wide value) {
+  return value >= std::numeric_limits<Narrow>::min() &&
+         value <= std::numeric_limits<Narrow>::max();
+}
+
+/// Stores the low bytes of `value`; whether it fits.
+template <class Narrow, class Wide>
+bool storeLow(void *target, Wide value) {
+  writeNative(target, static_cast<Narrow>(value));
+  return fits<Narrow>(value);
+}
+
+}  // namespace zev
