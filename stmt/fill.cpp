@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "types/conversion_dispatch.h"
+#include "zevoci/errors.h"
 #include "zevoci/trace.h"
 
 namespace zev {

@@ -13,10 +13,9 @@
 #define ZEV_HELPER __attribute__((visibility("default")))
 #endif
 
-#ifdef NDEBUG  // glibc declares it without NDEBUG only
-extern "C" [[noreturn]] void __assert_fail(const char *assertion, const char *file,
-                                           unsigned line, const char *function) noexcept;
-#endif
+/// glibc's own end of assert, which <cassert> declares only without NDEBUG.
+extern "C" void __assert_fail(const char *assertion, const char *file, unsigned int line,
+                              const char *function) noexcept __attribute__((__noreturn__));
 
 /// Ends the process with `text` in the C library's words when `condition` is false. For states
 /// that only a fault in this library can bring about; stands in release builds too.
