@@ -1,5 +1,5 @@
-/// Any field into any target through the dispatcher. The value and the target are blocks of exactly
-/// their size, so that the sanitizer sees what goes beyond them.
+/// Any field into any target through the dispatcher. The value and the target are blocks
+/// of exactly their size, so that the sanitizer sees what goes beyond them.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -15,12 +15,19 @@ struct Fetch {
   std::uint8_t oid, dty, format, flags;
   std::uint16_t cap;
 };
-enum Flag : std::uint8_t { kIndicator = 1, kReturnCode = 2, kEmptyIsNull = 4, kUtf16 = 8 };
+enum Flag : std::uint8_t {
+  kIndicator = 1,
+  kReturnCode = 2,
+  kEmptyIsNull = 4,
+  kUtf16 = 8
+};
 
-constexpr Oid kOids[] = {17,  18,   20,   21,   23,   25,   26,   700,  701,  705,   1042,
-                         1043, 1082, 1114, 1184, 1186, 1700, 1790, 12487, 12502, 99999};
+constexpr Oid kOids[] = {17,   18,   20,   21,   23,    25,    26,
+                         700,  701,  705,  1042, 1043,  1082,  1114,
+                         1184, 1186, 1700, 1790, 12487, 12502, 99999};
 /// External types whose target is plain bytes.
-constexpr ub2 kTypes[] = {1, 2, 3, 4, 5, 6, 8, 9, 12, 15, 21, 22, 23, 24, 68, 94, 95, 96, 97, 13};
+constexpr ub2 kTypes[] = {1,  2,  3,  4,  5,  6,  8,  9,  12, 15,
+                          21, 22, 23, 24, 68, 94, 95, 96, 97, 13};
 
 OCIError *errorHandle(ub4 mode) {
   OCIEnv *env = nullptr;

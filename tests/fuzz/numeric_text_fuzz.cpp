@@ -1,5 +1,5 @@
-/// A decimal text becomes the server's numeric and a text again. What was printed must read as the
-/// same number and print as the same text.
+/// A decimal text becomes the server's numeric and a text again. What was printed must
+/// read as the same number and print as the same text.
 #include <cstring>
 #include <memory>
 #include <string>
