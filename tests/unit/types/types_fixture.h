@@ -1,5 +1,5 @@
-/// What the tests of the converters share: environments, guarded buffers, error records, and the
-/// rows that state a case.
+/// What the tests of the converters share: environments, guarded buffers, error records,
+/// and the rows that state a case.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -78,7 +78,8 @@ inline std::string utf16(const std::string &ascii) {
   return wide;
 }
 
-/// A block of exactly `size` bytes, filled with "~", so that the sanitizer sees a write behind it.
+/// A block of exactly `size` bytes, filled with "~", so that the sanitizer sees a write
+/// behind it.
 inline std::unique_ptr<char[]> guarded(std::size_t size) {
   auto block = std::make_unique<char[]>(size);
   std::memset(block.get(), '~', size);
@@ -95,14 +96,15 @@ inline std::unique_ptr<char[]> exactCopy(const std::string &bytes) {
 /// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
 inline std::mt19937_64 generator() {
   const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run = given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
+  const std::uint64_t run =
+      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
   const auto *info = testing::UnitTest::GetInstance()->current_test_info();
   std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
   return std::mt19937_64(run ^ std::hash<std::string>{}(info->name()));
 }
 
-/// One fetch of a field. `bytes` is the whole target afterwards, "~" where nothing was written,
-/// and longer than `cap` for the members that write behind it.
+/// One fetch of a field. `bytes` is the whole target afterwards, "~" where nothing was
+/// written, and longer than `cap` for the members that write behind it.
 struct FetchCase {
   const char *name;
   Oid oid;
@@ -136,8 +138,12 @@ std::string nameOf(const testing::TestParamInfo<Case> &info) {
   return info.param.name;
 }
 
-inline std::ostream &operator<<(std::ostream &out, const FetchCase &c) { return out << c.name; }
-inline std::ostream &operator<<(std::ostream &out, const BindCase &c) { return out << c.name; }
+inline std::ostream &operator<<(std::ostream &out, const FetchCase &c) {
+  return out << c.name;
+}
+inline std::ostream &operator<<(std::ostream &out, const BindCase &c) {
+  return out << c.name;
+}
 
 /// Runs a fetch through the dispatcher and compares all that is visible.
 void expectFetch(Session &session, const FetchCase &c);
