@@ -56,7 +56,7 @@ ZEV_API sword OCIPing(OCISvcCtx *svchp, OCIError *errhp, ub4 mode) {
 }
 
 ZEV_API sword OCIBreak(void *hndlp, OCIError *errhp) {
-  if (!hndlp || !errhp) return OCI_ERROR;
+  if (!hndlp || !zev::asError(errhp)) return OCI_ERROR;
   OCIServer *server = serverOf(hndlp);
   if (!server) return OCI_ERROR;
   const zev::PgCancel cancel(PQgetCancel(server->conn));
@@ -67,7 +67,7 @@ ZEV_API sword OCIBreak(void *hndlp, OCIError *errhp) {
 }
 
 ZEV_API sword OCIReset(void *hndlp, OCIError *errhp) {
-  if (!hndlp || !errhp) return OCI_ERROR;
+  if (!hndlp || !zev::asError(errhp)) return OCI_ERROR;
   OCIServer *server = serverOf(hndlp);
   if (!server) return OCI_ERROR;
   const zev::PgResult result = zev::wire::getResult(server->conn);

@@ -176,14 +176,14 @@ void Free_OCISession(OCISession *session) {
 
 sword Get_OCISession(OCISession *session, void *value, ub4 *size, ub4 attribute,
                      OCIError *errhp) {
-  if (!zev::asSession(session) || !errhp) return OCI_ERROR;
+  if (!zev::asSession(session) || !zev::asError(errhp)) return OCI_ERROR;
   if (attribute == OCI_ATTR_USERNAME) return getUsername(session, value, size, errhp);
   return zev::fail(errhp, 24315);
 }
 
 sword Set_OCISession(OCISession *session, void *value, ub4 size, ub4 attribute,
                      OCIError *errhp) {
-  if (!zev::asSession(session) || !errhp) return OCI_ERROR;
+  if (!zev::asSession(session) || !zev::asError(errhp)) return OCI_ERROR;
   if (char **kept = textAttribute(session, attribute)) {
     return setText(session, *kept, value, size, attribute);
   }
