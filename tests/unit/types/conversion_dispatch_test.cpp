@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include "types_fixture.h"
+#include "zevoci/trace.h"
 
 namespace zevtest {
 namespace {
@@ -109,6 +110,38 @@ TEST_F(ToServer, MissingOutputsFailWithoutARecord) {
 TEST_F(ToServer, MissingErrorHandleFails) {
   EXPECT_EQ(OCI2PQType(nullptr, SQLT_INT, &four, 4, &indicator, INT4OID, &out, &length, &format),
             -1);
+}
+
+/// What is traced under `mask` while `work` runs.
+template <class Work>
+std::string tracedBy(std::uint64_t mask, Work &&work) {
+  char *buffer = nullptr;
+  std::size_t size = 0;
+  oci_debug_log = ::open_memstream(&buffer, &size);
+  oci_debug_mask = mask;
+  work();
+  std::fclose(oci_debug_log);
+  oci_debug_log = nullptr;
+  oci_debug_mask = 0;
+  const std::unique_ptr<char, decltype(&std::free)> owned(buffer, std::free);
+  return {buffer, size};
+}
+
+TEST_F(ToServer, TracesTheTypesAndTheBytesOfBothSides) {
+  const std::string trace =
+      tracedBy(0x10, [&] { bind(SQLT_INT, &four, 4, &indicator, INT4OID); });
+  EXPECT_EQ(trace.rfind("OCI2PQType: pgtype(23), ocitype(3), bufferin_sz(4) *indp(0)\n", 0), 0u)
+      << trace;
+  const auto source = trace.find("  source:"), result = trace.find("  result:");
+  ASSERT_NE(source, trace.npos);
+  ASSERT_NE(result, trace.npos);
+  EXPECT_LT(source, result);
+  EXPECT_NE(trace.find("05 00 00 00", source), trace.npos);
+  EXPECT_NE(trace.find("00 00 00 05", result), trace.npos);
+}
+
+TEST_F(ToServer, TracesNothingUnderAnotherMask) {
+  EXPECT_EQ(tracedBy(0x8, [&] { bind(SQLT_INT, &four, 4, &indicator, INT4OID); }), "");
 }
 
 using ToServerDeathTest = ToServer;
