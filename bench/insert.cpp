@@ -107,8 +107,8 @@ double byOci(Sides &sides, int rows) {
 }
 
 int tripsOfLibpq(const Setup &setup) {
+  Trace trace;  // must outlive the connection, which writes to it until its end
   const PgConnection conn = connect(setup.target);
-  Trace trace;
   Row row = {};
   row.set(-1);
   exec(conn.get(), "BEGIN");

@@ -103,8 +103,8 @@ double byOci(Sides &sides, int executions, int rows) {
 }
 
 int tripsOfLibpq(const Setup &setup) {
+  Trace trace;  // must outlive the connection, which writes to it until its end
   const PgConnection conn = connect(setup.target);
-  Trace trace;
   char found[40];
   ByLibpq statement(conn.get());
   trace.attach(conn.get());

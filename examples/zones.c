@@ -147,7 +147,7 @@ static void create_tables(struct session *s) {
 
 static void load_countries(struct session *s, const char *directory,
                            struct counts *read) {
-  struct country c;
+  struct country c = {"", ""};
   char line[500], *field[2];
   FILE *in = open_table(directory, "iso3166.tab");
   OCIStmt *stmt =
@@ -200,7 +200,7 @@ static long insert_codes(struct session *s, OCIStmt *stmt, char *code, size_t si
 }
 
 static void load_zones(struct session *s, const char *directory, struct counts *read) {
-  struct zone z;
+  struct zone z = {"", "", "", "", 0, 0, 0};
   char line[500], *field[4], code[3] = "";
   int fields;
   FILE *in = open_table(directory, "zone1970.tab");
@@ -252,7 +252,7 @@ static void zones_of_country(struct session *s, const char *beginning) {
   static char country[BATCH][80], zone[BATCH][40], comments[BATCH][100];
   static double latitude[BATCH], longitude[BATCH];
   static sb2 uncommented[BATCH];
-  char pattern[90];
+  char pattern[90] = "";
   sword status;
   long total = 0;
   ub4 i, fetched;

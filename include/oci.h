@@ -6,49 +6,49 @@
 
 #include <stdarg.h>
 
-#include "oratypes.h"
-#include "ocidfn.h"
-#include "oro.h"
-#include "ort.h"
-#include "orl.h"
 #include "nzt.h"
 #include "oci1.h"
+#include "ocidfn.h"
+#include "oratypes.h"
+#include "orl.h"
+#include "oro.h"
+#include "ort.h"
 
-/* Handles: allocated by OCIHandleAlloc (or a call named here), freed by OCIHandleFree. Their
-   records are the library's own; programs hold pointers. */
-typedef struct OCIEnv OCIEnv;                   /* environment, owner of all others */
-typedef struct OCIError OCIError;               /* error records of the last call */
-typedef struct OCISvcCtx OCISvcCtx;             /* service context: server, session, transaction */
-typedef struct OCIServer OCIServer;             /* address and connection of a server */
-typedef struct OCISession OCISession;           /* user, password and module of a session */
-typedef OCISession OCIAuthInfo;                 /* credentials for a session pool */
-typedef struct OCITrans OCITrans;               /* transaction identifier and timeout */
-typedef struct OCIStmt OCIStmt;                 /* statement, with its binds and defines */
-typedef struct OCIBind OCIBind;                 /* placeholder and its buffers; the statement's */
-typedef struct OCIDefine OCIDefine;             /* column and its buffers; the statement's */
-typedef struct OCIDescribe OCIDescribe;         /* result of OCIDescribeAny */
-typedef struct OCISPool OCISPool;               /* session pool */
-typedef struct OCICPool OCICPool;               /* connection pool */
-typedef struct OCIAdmin OCIAdmin;               /* parameters of a database startup */
-typedef struct OCISubscription OCISubscription; /* notification subscription */
-typedef struct OCIComplexObject OCIComplexObject;     /* complex object retrieval */
-typedef struct OCIDirPathCtx OCIDirPathCtx;           /* direct path load */
+/* Handles: allocated by OCIHandleAlloc (or a call named here), freed by OCIHandleFree.
+   Their records are the library's own; programs hold pointers. */
+typedef struct OCIEnv OCIEnv;         /* environment, owner of all others */
+typedef struct OCIError OCIError;     /* error records of the last call */
+typedef struct OCISvcCtx OCISvcCtx;   /* service context: server, session, transaction */
+typedef struct OCIServer OCIServer;   /* address and connection of a server */
+typedef struct OCISession OCISession; /* user, password and module of a session */
+typedef OCISession OCIAuthInfo;       /* credentials for a session pool */
+typedef struct OCITrans OCITrans;     /* transaction identifier and timeout */
+typedef struct OCIStmt OCIStmt;       /* statement, with its binds and defines */
+typedef struct OCIBind OCIBind;       /* placeholder and its buffers; the statement's */
+typedef struct OCIDefine OCIDefine;   /* column and its buffers; the statement's */
+typedef struct OCIDescribe OCIDescribe;           /* result of OCIDescribeAny */
+typedef struct OCISPool OCISPool;                 /* session pool */
+typedef struct OCICPool OCICPool;                 /* connection pool */
+typedef struct OCIAdmin OCIAdmin;                 /* parameters of a database startup */
+typedef struct OCISubscription OCISubscription;   /* notification subscription */
+typedef struct OCIComplexObject OCIComplexObject; /* complex object retrieval */
+typedef struct OCIDirPathCtx OCIDirPathCtx;       /* direct path load */
 typedef struct OCIDirPathColArray OCIDirPathColArray; /* its columns */
 typedef struct OCIDirPathStream OCIDirPathStream;     /* its stream */
 
 /* Descriptors: allocated by OCIDescriptorAlloc, freed by OCIDescriptorFree. */
-typedef struct OCILobLocator OCILobLocator;           /* locator of a large object */
-typedef OCILobLocator OCIClobLocator;                 /* of character data */
-typedef OCILobLocator OCIBlobLocator;                 /* of binary data */
-typedef OCILobLocator OCIBFileLocator;                /* of an external file */
-typedef struct OCISnapshot OCISnapshot;               /* read-consistent view */
-typedef struct OCIResult OCIResult;                   /* result set */
-typedef struct OCIParam OCIParam;                     /* described column, argument or list */
-typedef struct OCIRowid OCIRowid;                     /* row identifier */
-typedef struct OCIDateTime OCIDateTime;               /* date, time and zone */
-typedef struct OCIInterval OCIInterval;               /* year-month or day-second interval */
-typedef struct OCIAQEnqOptions OCIAQEnqOptions;       /* queue: how to enqueue */
-typedef struct OCIAQDeqOptions OCIAQDeqOptions;       /* queue: how to dequeue */
+typedef struct OCILobLocator OCILobLocator;     /* locator of a large object */
+typedef OCILobLocator OCIClobLocator;           /* of character data */
+typedef OCILobLocator OCIBlobLocator;           /* of binary data */
+typedef OCILobLocator OCIBFileLocator;          /* of an external file */
+typedef struct OCISnapshot OCISnapshot;         /* read-consistent view */
+typedef struct OCIResult OCIResult;             /* result set */
+typedef struct OCIParam OCIParam;               /* described column, argument or list */
+typedef struct OCIRowid OCIRowid;               /* row identifier */
+typedef struct OCIDateTime OCIDateTime;         /* date, time and zone */
+typedef struct OCIInterval OCIInterval;         /* year-month or day-second interval */
+typedef struct OCIAQEnqOptions OCIAQEnqOptions; /* queue: how to enqueue */
+typedef struct OCIAQDeqOptions OCIAQDeqOptions; /* queue: how to dequeue */
 typedef struct OCIAQMsgProperties OCIAQMsgProperties; /* queue: a message's properties */
 typedef struct OCIAQAgent OCIAQAgent;                 /* queue: sender or recipient */
 typedef struct OCIUcb OCIUcb;                         /* user callback */
@@ -62,19 +62,20 @@ typedef struct OCIThreadKey OCIThreadKey;       /* thread-specific value */
 /* Called with the value of a key when a thread that set it ends. */
 typedef void (*OCIThreadKeyDestFunc)(void *value);
 
-/* Asked for the value of a dynamic bind (OCIBindDynamic), row iter, element index. It stores the
-   buffer, its length in bytes, the piece (OCI_ONE_PIECE and kin) and the indicator; all stay the
-   program's. Must return OCI_CONTINUE. */
-typedef sb4 (*OCICallbackInBind)(void *ictxp, OCIBind *bindp, ub4 iter, ub4 index, void **bufpp,
-                                 ub4 *alenp, ub1 *piecep, void **indpp);
+/* Asked for the value of a dynamic bind (OCIBindDynamic), row iter, element index. It
+   stores the buffer, its length in bytes, the piece (OCI_ONE_PIECE and kin) and the
+   indicator; all stay the program's. Must return OCI_CONTINUE. */
+typedef sb4 (*OCICallbackInBind)(void *ictxp, OCIBind *bindp, ub4 iter, ub4 index,
+                                 void **bufpp, ub4 *alenp, ub1 *piecep, void **indpp);
 
-/* Asked for the buffer of a returned bind value (OCIBindDynamic): stores where the value, its
-   length, indicator and return code go. Must return OCI_CONTINUE. */
-typedef sb4 (*OCICallbackOutBind)(void *octxp, OCIBind *bindp, ub4 iter, ub4 index, void **bufpp,
-                                  ub4 **alenpp, ub1 *piecep, void **indpp, ub2 **rcodepp);
+/* Asked for the buffer of a returned bind value (OCIBindDynamic): stores where the value,
+   its length, indicator and return code go. Must return OCI_CONTINUE. */
+typedef sb4 (*OCICallbackOutBind)(void *octxp, OCIBind *bindp, ub4 iter, ub4 index,
+                                  void **bufpp, ub4 **alenpp, ub1 *piecep, void **indpp,
+                                  ub2 **rcodepp);
 
-/* Asked for the buffer of a fetched value (OCIDefineDynamic), as OCICallbackOutBind. Must return
-   OCI_CONTINUE. */
+/* Asked for the buffer of a fetched value (OCIDefineDynamic), as OCICallbackOutBind. Must
+   return OCI_CONTINUE. */
 typedef sb4 (*OCICallbackDefine)(void *octxp, OCIDefine *defnp, ub4 iter, void **bufpp,
                                  ub4 **alenpp, ub1 *piecep, void **indpp, ub2 **rcodepp);
 
@@ -85,17 +86,19 @@ typedef sb4 (*OCICallbackLobRead)(void *ctxp, const void *bufp, ub4 len, ub1 pie
 typedef sb4 (*OCICallbackLobRead2)(void *ctxp, const void *bufp, oraub8 len, ub1 piece,
                                    void **changed_bufpp, oraub8 *changed_lenp);
 
-/* Told of a failover: fo_type is OCI_FO_NONE, OCI_FO_SESSION, ..., fo_event OCI_FO_BEGIN, .... */
+/* Told of a failover: fo_type is OCI_FO_NONE, OCI_FO_SESSION, ..., fo_event OCI_FO_BEGIN,
+ * .... */
 typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4 fo_type,
                                    ub4 fo_event);
 
-/* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after (OCI_UCBTYPE_EXIT)
-   the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that call's arguments,
-   returnCode what it has come to so far. Must return OCI_CONTINUE, or as a replacement the status
-   of the call. */
+/* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after
+   (OCI_UCBTYPE_EXIT) the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that
+   call's arguments, returnCode what it has come to so far. Must return OCI_CONTINUE, or
+   as a replacement the status of the call. */
 typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
                                  sword returnCode, sb4 *errnop, va_list arglist);
 
+/* clang-format off */
 /* Return codes. */
 #define OCI_CONTINUE                               (-24200)
 #define OCI_STILL_EXECUTING                        (-3123)
@@ -1013,9 +1016,10 @@ typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, u
 /* ub4 on OCIServer and OCIStmt: what surrounds the declaration of a cursor. 0 a transaction is
    begun, 5 nothing is sent, 6 it is committed. */
 #define ZEVOCI_ATTR_HOLD_POLICY                    5003
+/* clang-format on */
 
 #include "ociap.h"
-#include "ori.h"
 #include "ociapr.h"
+#include "ori.h"
 
 #endif /* ZEVOCI_OCI_H */

@@ -1,9 +1,9 @@
 /*
  * ociap.h: the functions of the Oracle Call Interface that this library implements.
  *
- * Unless a comment says otherwise, a function returns OCI_SUCCESS, or OCI_INVALID_HANDLE for a
- * null or wrong handle (nothing is recorded then), or OCI_ERROR with a record on errhp that
- * OCIErrorGet reads. Text lengths are in bytes and do not count a terminator.
+ * Unless a comment says otherwise, a function returns OCI_SUCCESS, or OCI_INVALID_HANDLE
+ * for a null or wrong handle (nothing is recorded then), or OCI_ERROR with a record on
+ * errhp that OCIErrorGet reads. Text lengths are in bytes and do not count a terminator.
  */
 #ifndef ZEVOCI_OCIAP_H
 #define ZEVOCI_OCIAP_H
@@ -16,41 +16,44 @@ extern "C" {
 
 /* ---- Environment and handles ---- */
 
-/* Settles the process-wide modes; not needed before OCIEnvCreate. The memory callbacks are kept
-   and never called. OCI_ERROR when called twice without OCITerminate, and for OCI_EVENTS. */
+/* Settles the process-wide modes; not needed before OCIEnvCreate. The memory callbacks
+   are kept and never called. OCI_ERROR when called twice without OCITerminate, and for
+   OCI_EVENTS. */
 sword OCIInitialize(ub4 mode, void *ctxp, void *(*malocfp)(void *ctxp, size_t size),
                     void *(*ralocfp)(void *ctxp, void *memptr, size_t newsize),
                     void (*mfreefp)(void *ctxp, void *memptr));
 
-/* Ends what OCIInitialize began; mode must be OCI_DEFAULT. Environments stay as they are. */
+/* Ends what OCIInitialize began; mode must be OCI_DEFAULT. Environments stay as they are.
+ */
 sword OCITerminate(ub4 mode);
 
 /* Makes an environment with the process's modes; see OCIEnvCreate. */
 sword OCIEnvInit(OCIEnv **envhpp, ub4 mode, size_t xtramemsz, void **usrmempp);
 
-/* Makes an environment, the owner of all other handles. xtramemsz bytes of zeroed memory for the
-   program are handed out through usrmempp and live as long as the environment. The memory
-   callbacks are accepted and not called. On OCI_ERROR *envhpp is null. */
+/* Makes an environment, the owner of all other handles. xtramemsz bytes of zeroed memory
+   for the program are handed out through usrmempp and live as long as the environment.
+   The memory callbacks are accepted and not called. On OCI_ERROR *envhpp is null. */
 sword OCIEnvCreate(OCIEnv **envhpp, ub4 mode, void *ctxp,
                    void *(*malocfp)(void *ctxp, size_t size),
                    void *(*ralocfp)(void *ctxp, void *memptr, size_t newsize),
-                   void (*mfreefp)(void *ctxp, void *memptr), size_t xtramemsz, void **usrmempp);
+                   void (*mfreefp)(void *ctxp, void *memptr), size_t xtramemsz,
+                   void **usrmempp);
 
-/* OCIEnvCreate with a client encoding: charset 1 to 40 is the library's own encoding number,
-   0 takes it from NLS_LANG and the locale. ncharset is ignored. */
+/* OCIEnvCreate with a client encoding: charset 1 to 40 is the library's own encoding
+   number, 0 takes it from NLS_LANG and the locale. ncharset is ignored. */
 sword OCIEnvNlsCreate(OCIEnv **envhpp, ub4 mode, void *ctxp,
                       void *(*malocfp)(void *ctxp, size_t size),
                       void *(*ralocfp)(void *ctxp, void *memptr, size_t newsize),
                       void (*mfreefp)(void *ctxp, void *memptr), size_t xtramemsz,
                       void **usrmempp, ub2 charset, ub2 ncharset);
 
-/* Allocates a handle of an OCI_HTYPE_* type under an environment (binds and defines: under a
-   statement), with xtramem_sz bytes of zeroed memory for the program. */
+/* Allocates a handle of an OCI_HTYPE_* type under an environment (binds and defines:
+   under a statement), with xtramem_sz bytes of zeroed memory for the program. */
 sword OCIHandleAlloc(const void *parenth, void **hndlpp, ub4 type, size_t xtramem_sz,
                      void **usrmempp);
 
-/* Frees a handle and all that it owns. Bind and define handles live as long as their statement
-   and are refused. */
+/* Frees a handle and all that it owns. Bind and define handles live as long as their
+   statement and are refused. */
 sword OCIHandleFree(void *hndlp, ub4 type);
 
 /* Allocates a descriptor of an OCI_DTYPE_* type under an environment. */
@@ -62,60 +65,64 @@ sword OCIDescriptorFree(void *descp, ub4 type);
 
 /* ---- Errors ---- */
 
-/* Reads record recordno, counted from 1, of an error handle (type OCI_HTYPE_ERROR) or of the
-   environment above hndlp (any other type): its Oracle number, and up to bufsiz - 1 bytes of its
-   text with a terminator. sqlstate is not written. OCI_NO_DATA past the last record. */
-sword OCIErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, sb4 *errcodep, OraText *bufp,
-                  ub4 bufsiz, ub4 type);
+/* Reads record recordno, counted from 1, of an error handle (type OCI_HTYPE_ERROR) or of
+   the environment above hndlp (any other type): its Oracle number, and up to bufsiz - 1
+   bytes of its text with a terminator. sqlstate is not written. OCI_NO_DATA past the last
+   record. */
+sword OCIErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, sb4 *errcodep,
+                  OraText *bufp, ub4 bufsiz, ub4 type);
 
 /* As OCIErrorGet, with the server's own words and SQLSTATE. An addition to the published
    interface. OCI_NO_DATA also for a record that no server error made. */
-sword OCIPGErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, ub4 sqlstatesiz, OraText *bufp,
-                    ub4 bufsiz, ub4 type);
+sword OCIPGErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, ub4 sqlstatesiz,
+                    OraText *bufp, ub4 bufsiz, ub4 type);
 
 /* ---- Attributes ---- */
 
-/* Reads an OCI_ATTR_* attribute of a handle of type trghndltyp into *attributep, in the width of
-   that attribute. *sizep, which may be null, is written for texts and blocks, otherwise left
-   alone or set to 0. An unknown attribute is OCI_ERROR, with a record for most handle types. */
+/* Reads an OCI_ATTR_* attribute of a handle of type trghndltyp into *attributep, in the
+   width of that attribute. *sizep, which may be null, is written for texts and blocks,
+   otherwise left alone or set to 0. An unknown attribute is OCI_ERROR, with a record for
+   most handle types. */
 sword OCIAttrGet(const void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 *sizep,
                  ub4 attrtype, OCIError *errhp);
 
-/* Sets an OCI_ATTR_* attribute from *attributep, in the width of that attribute; the value is
-   copied, handles are referred to. size counts for text attributes (in bytes) and
-   OCI_ATTR_XID. */
-sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size, ub4 attrtype,
-                 OCIError *errhp);
+/* Sets an OCI_ATTR_* attribute from *attributep, in the width of that attribute; the
+   value is copied, handles are referred to. size counts for text attributes (in bytes)
+   and OCI_ATTR_XID. */
+sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size,
+                 ub4 attrtype, OCIError *errhp);
 
 /* ---- Connections ---- */
 
-/* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI; dblink_len 0 or
-   below means localhost, port 5444, database "zev". Nothing is sent; the connection is made by
-   OCISessionBegin. Record 24309 when the server is attached already. */
-sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink, sb4 dblink_len,
-                      ub4 mode);
+/* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI;
+   dblink_len 0 or below means localhost, port 5444, database "zev". Nothing is sent; the
+   connection is made by OCISessionBegin. Record 24309 when the server is attached
+   already. */
+sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink,
+                      sb4 dblink_len, ub4 mode);
 
-/* Forgets the address; a connection that is still open stays until the handle is freed. Record
-   24324 when the server is not attached. */
+/* Forgets the address; a connection that is still open stays until the handle is freed.
+   Record 24324 when the server is not attached. */
 sword OCIServerDetach(OCIServer *srvhp, OCIError *errhp, ub4 mode);
 
-/* Connects the server of svchp as the user of usrhp. mode takes OCI_STMT_CACHE. A failure to
-   connect is record 12154 with the client library's own text. */
-sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 credt, ub4 mode);
+/* Connects the server of svchp as the user of usrhp. mode takes OCI_STMT_CACHE. A failure
+   to connect is record 12154 with the client library's own text. */
+sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 credt,
+                      ub4 mode);
 
 /* Closes the connection of the service context's server. */
 sword OCISessionEnd(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 mode);
 
-/* Attaches and begins a session in one call; *svchp is the new service context, null on failure.
-   A null username or dbname is record 21560. */
+/* Attaches and begins a session in one call; *svchp is the new service context, null on
+   failure. A null username or dbname is record 21560. */
 sword OCILogon(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp, const OraText *username,
-               ub4 uname_len, const OraText *password, ub4 passwd_len, const OraText *dbname,
-               ub4 dbname_len);
+               ub4 uname_len, const OraText *password, ub4 passwd_len,
+               const OraText *dbname, ub4 dbname_len);
 
 /* OCILogon with modes, of which OCI_LOGON2_STMTCACHE has an effect. */
-sword OCILogon2(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp, const OraText *username,
-                ub4 uname_len, const OraText *password, ub4 passwd_len, const OraText *dbname,
-                ub4 dbname_len, ub4 mode);
+sword OCILogon2(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp,
+                const OraText *username, ub4 uname_len, const OraText *password,
+                ub4 passwd_len, const OraText *dbname, ub4 dbname_len, ub4 mode);
 
 /* Ends the session and frees the service context, its server and its session. */
 sword OCILogoff(OCISvcCtx *svchp, OCIError *errhp);
@@ -123,94 +130,106 @@ sword OCILogoff(OCISvcCtx *svchp, OCIError *errhp);
 /* One round trip to the server; record 1041 when it fails. mode must be OCI_DEFAULT. */
 sword OCIPing(OCISvcCtx *svchp, OCIError *errhp, ub4 mode);
 
-/* Cancels what the connection of a service context or server is doing. The one call meant for
-   another thread. Records nothing. */
+/* Cancels what the connection of a service context or server is doing. The one call meant
+   for another thread. Records nothing. */
 sword OCIBreak(void *hndlp, OCIError *errhp);
 
-/* Takes the pending result after OCIBreak, and rolls the transaction back unless it has rows. */
+/* Takes the pending result after OCIBreak, and rolls the transaction back unless it has
+ * rows. */
 sword OCIReset(void *hndlp, OCIError *errhp);
 
-/* The server's version text, cut at bufsz bytes (without a terminator when cut). hndltype is
-   OCI_HTYPE_SVCCTX or OCI_HTYPE_SERVER. */
-sword OCIServerVersion(void *hndlp, OCIError *errhp, OraText *bufp, ub4 bufsz, ub1 hndltype);
+/* The server's version text, cut at bufsz bytes (without a terminator when cut). hndltype
+   is OCI_HTYPE_SVCCTX or OCI_HTYPE_SERVER. */
+sword OCIServerVersion(void *hndlp, OCIError *errhp, OraText *bufp, ub4 bufsz,
+                       ub1 hndltype);
 
 /* OCIServerVersion with the number: major << 24 | minor << 20 | patch << 12. */
-sword OCIServerRelease(void *hndlp, OCIError *errhp, OraText *bufp, ub4 bufsz, ub1 hndltype,
-                       ub4 *version);
+sword OCIServerRelease(void *hndlp, OCIError *errhp, OraText *bufp, ub4 bufsz,
+                       ub1 hndltype, ub4 *version);
 
-/* Reports the client version that programs may rely on: 11.0.1.1.0. No argument may be null. */
+/* Reports the client version that programs may rely on: 11.0.1.1.0. No argument may be
+ * null. */
 void OCIClientVersion(sword *major, sword *minor, sword *update, sword *patch,
                       sword *port_update);
 
-/* Changes the password of a user; with OCI_AUTH a session is begun first where there is none. */
+/* Changes the password of a user; with OCI_AUTH a session is begun first where there is
+ * none. */
 sword OCIPasswordChange(OCISvcCtx *svchp, OCIError *errhp, const OraText *user_name,
                         ub4 usernm_len, const OraText *opasswd, ub4 opasswd_len,
                         const OraText *npasswd, ub4 npasswd_len, ub4 mode);
 
 /* ---- Statements ---- */
 
-/* Gives a statement its text; nothing is sent. language is OCI_NTV_SYNTAX or OCI_V7_SYNTAX, mode
-   OCI_DEFAULT. Binds, defines and server objects of the former text go away. */
+/* Gives a statement its text; nothing is sent. language is OCI_NTV_SYNTAX or
+   OCI_V7_SYNTAX, mode OCI_DEFAULT. Binds, defines and server objects of the former text
+   go away. */
 sword OCIStmtPrepare(OCIStmt *stmtp, OCIError *errhp, const OraText *stmt, ub4 stmt_len,
                      ub4 language, ub4 mode);
 
-/* Makes a statement handle with its text, entered under key in the service context's statement
-   cache where that is on; with OCI_PREP2_CACHE_SEARCHONLY looks a key up. */
-sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp, const OraText *stmt,
-                      ub4 stmt_len, const OraText *key, ub4 key_len, ub4 language, ub4 mode);
+/* Makes a statement handle with its text, entered under key in the service context's
+   statement cache where that is on; with OCI_PREP2_CACHE_SEARCHONLY looks a key up. */
+sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp,
+                      const OraText *stmt, ub4 stmt_len, const OraText *key, ub4 key_len,
+                      ub4 language, ub4 mode);
 
-/* Gives a statement of OCIStmtPrepare2 back, tagged with key; OCI_STRLS_CACHE_DELETE takes it out
-   of the cache. */
-sword OCIStmtRelease(OCIStmt *stmtp, OCIError *errhp, const OraText *key, ub4 key_len, ub4 mode);
+/* Gives a statement of OCIStmtPrepare2 back, tagged with key; OCI_STRLS_CACHE_DELETE
+   takes it out of the cache. */
+sword OCIStmtRelease(OCIStmt *stmtp, OCIError *errhp, const OraText *key, ub4 key_len,
+                     ub4 mode);
 
-/* Ties a placeholder, named with its colon, to a buffer that is read at each execute; the buffers
-   stay the program's. placeh_len -1 takes a terminated name. value_sz is the size in bytes of one
-   value (SQLT_STR: the terminator included) and the stride of an array; dty a SQLT_* code; indp an
-   array of sb2 (-1 sends NULL), alenp of lengths in bytes, each of which may be null. The new bind
-   handle goes to *bindpp. A placeholder that is not in the statement is record 16952. */
-sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, const OraText *placeholder,
-                    sb4 placeh_len, void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *alenp,
-                    ub2 *rcodep, ub4 maxarr_len, ub4 *curelep, ub4 mode);
+/* Ties a placeholder, named with its colon, to a buffer that is read at each execute; the
+   buffers stay the program's. placeh_len -1 takes a terminated name. value_sz is the size
+   in bytes of one value (SQLT_STR: the terminator included) and the stride of an array;
+   dty a SQLT_* code; indp an array of sb2 (-1 sends NULL), alenp of lengths in bytes,
+   each of which may be null. The new bind handle goes to *bindpp. A placeholder that is
+   not in the statement is record 16952. */
+sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
+                    const OraText *placeholder, sb4 placeh_len, void *valuep,
+                    sb4 value_sz, ub2 dty, void *indp, ub2 *alenp, ub2 *rcodep,
+                    ub4 maxarr_len, ub4 *curelep, ub4 mode);
 
-/* OCIBindByName with the placeholder's position in the text, counted from 1. A position that is
-   not in the statement is record 28553. */
-sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub4 position, void *valuep,
-                   sb4 value_sz, ub2 dty, void *indp, ub2 *alenp, ub2 *rcodep, ub4 maxarr_len,
-                   ub4 *curelep, ub4 mode);
+/* OCIBindByName with the placeholder's position in the text, counted from 1. A position
+   that is not in the statement is record 28553. */
+sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub4 position,
+                   void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *alenp,
+                   ub2 *rcodep, ub4 maxarr_len, ub4 *curelep, ub4 mode);
 
 /* Registers the callbacks that supply and take the values of a bind. */
-sword OCIBindDynamic(OCIBind *bindp, OCIError *errhp, void *ictxp, OCICallbackInBind icbfp,
-                     void *octxp, OCICallbackOutBind ocbfp);
+sword OCIBindDynamic(OCIBind *bindp, OCIError *errhp, void *ictxp,
+                     OCICallbackInBind icbfp, void *octxp, OCICallbackOutBind ocbfp);
 
 /* Sets the distances in bytes between the values, indicators, lengths and return codes of
    successive rows of a bind. */
-sword OCIBindArrayOfStruct(OCIBind *bindp, OCIError *errhp, ub4 pvskip, ub4 indskip, ub4 alskip,
-                           ub4 rcskip);
+sword OCIBindArrayOfStruct(OCIBind *bindp, OCIError *errhp, ub4 pvskip, ub4 indskip,
+                           ub4 alskip, ub4 rcskip);
 
-/* Lists the placeholders of a statement from number startloc on, in arrays of size elements.
-   *found is their count, or size minus the count (negative) when the arrays are too short. The
-   names belong to the environment. OCI_NO_DATA when there is none. */
-sword OCIStmtGetBindInfo(OCIStmt *stmtp, OCIError *errhp, ub4 size, ub4 startloc, sb4 *found,
-                         OraText *bvnp[], ub1 bvnl[], OraText *invp[], ub1 inpl[], ub1 dupl[],
-                         OCIBind **hndl);
+/* Lists the placeholders of a statement from number startloc on, in arrays of size
+   elements. *found is their count, or size minus the count (negative) when the arrays are
+   too short. The names belong to the environment. OCI_NO_DATA when there is none. */
+sword OCIStmtGetBindInfo(OCIStmt *stmtp, OCIError *errhp, ub4 size, ub4 startloc,
+                         sb4 *found, OraText *bvnp[], ub1 bvnl[], OraText *invp[],
+                         ub1 inpl[], ub1 dupl[], OCIBind **hndl);
 
-/* Runs a prepared statement: rows rowoff to iters - 1 of its binds, or for a SELECT the first
-   iters rows into its defines (0 only opens it). OCI_NO_DATA when a SELECT has fewer rows. mode is
-   OCI_DEFAULT, OCI_DESCRIBE_ONLY, OCI_PARSE_ONLY, OCI_EXACT_FETCH, OCI_COMMIT_ON_SUCCESS or
-   OCI_STMT_SCROLLABLE_READONLY. Records: 24337 for an unprepared statement, 24333 for iters 0 on
-   other than a SELECT, 25407 for a broken connection, 1422 for too many rows of an exact fetch, and
-   the server's own. A transaction is begun where none is open; DDL ends it. A server error rolls
-   it back. The snapshots are not used. */
-sword OCIStmtExecute(OCISvcCtx *svchp, OCIStmt *stmtp, OCIError *errhp, ub4 iters, ub4 rowoff,
-                     const OCISnapshot *snap_in, OCISnapshot *snap_out, ub4 mode);
-
-/* Ties a column, counted from 1, to a buffer that each fetch writes: an array with one element of
-   value_sz bytes a row. indp (sb2: -1 for NULL), rlenp (ub2, bytes) and rcodep (ub2: 1405 for NULL,
-   1406 for a value cut off) are arrays too, each of which may be null. Define every column from
-   the first on: fetching stops at the first one without a define. */
-sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp, ub4 position,
-                     void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *rlenp, ub2 *rcodep,
+/* Runs a prepared statement: rows rowoff to iters - 1 of its binds, or for a SELECT the
+   first iters rows into its defines (0 only opens it). OCI_NO_DATA when a SELECT has
+   fewer rows. mode is OCI_DEFAULT, OCI_DESCRIBE_ONLY, OCI_PARSE_ONLY, OCI_EXACT_FETCH,
+   OCI_COMMIT_ON_SUCCESS or OCI_STMT_SCROLLABLE_READONLY. Records: 24337 for an unprepared
+   statement, 24333 for iters 0 on other than a SELECT, 25407 for a broken connection,
+   1422 for too many rows of an exact fetch, and the server's own. A transaction is begun
+   where none is open; DDL ends it. A server error rolls it back. The snapshots are not
+   used. */
+sword OCIStmtExecute(OCISvcCtx *svchp, OCIStmt *stmtp, OCIError *errhp, ub4 iters,
+                     ub4 rowoff, const OCISnapshot *snap_in, OCISnapshot *snap_out,
                      ub4 mode);
+
+/* Ties a column, counted from 1, to a buffer that each fetch writes: an array with one
+   element of value_sz bytes a row. indp (sb2: -1 for NULL), rlenp (ub2, bytes) and rcodep
+   (ub2: 1405 for NULL, 1406 for a value cut off) are arrays too, each of which may be
+   null. Define every column from the first on: fetching stops at the first one without a
+   define. */
+sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp, ub4 position,
+                     void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *rlenp,
+                     ub2 *rcodep, ub4 mode);
 
 /* Sets the distances in bytes between the values, indicators, lengths and return codes of
    successive rows of a define. */
@@ -218,28 +237,32 @@ sword OCIDefineArrayOfStruct(OCIDefine *defnp, OCIError *errhp, ub4 pvskip, ub4 
                              ub4 rlskip, ub4 rcskip);
 
 /* Registers the callback that supplies the buffers of a define. */
-sword OCIDefineDynamic(OCIDefine *defnp, OCIError *errhp, void *octxp, OCICallbackDefine ocbfp);
+sword OCIDefineDynamic(OCIDefine *defnp, OCIError *errhp, void *octxp,
+                       OCICallbackDefine ocbfp);
 
-/* Fetches the next nrows rows (0 cancels the cursor). OCI_NO_DATA when fewer came, with those in
-   the defines and their number in OCI_ATTR_ROWS_FETCHED. Records: 24338 before an execute, 24391
-   for an orientation that the statement does not allow, 24374 with no defines. */
+/* Fetches the next nrows rows (0 cancels the cursor). OCI_NO_DATA when fewer came, with
+   those in the defines and their number in OCI_ATTR_ROWS_FETCHED. Records: 24338 before
+   an execute, 24391 for an orientation that the statement does not allow, 24374 with no
+   defines. */
 sword OCIStmtFetch(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation, ub4 mode);
 
-/* OCIStmtFetch with all orientations; those other than OCI_FETCH_NEXT need a statement executed
-   with OCI_STMT_SCROLLABLE_READONLY. */
-sword OCIStmtFetch2(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation, sb4 fetchOffset,
-                    ub4 mode);
+/* OCIStmtFetch with all orientations; those other than OCI_FETCH_NEXT need a statement
+   executed with OCI_STMT_SCROLLABLE_READONLY. */
+sword OCIStmtFetch2(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation,
+                    sb4 fetchOffset, ub4 mode);
 
 /* ---- Transactions ---- */
 
-/* Sets the properties of the transaction; one is open from the first statement on. The service
-   context must have a transaction handle. */
+/* Sets the properties of the transaction; one is open from the first statement on. The
+   service context must have a transaction handle. */
 sword OCITransStart(OCISvcCtx *svchp, OCIError *errhp, uword timeout, ub4 flags);
 
-/* Commits; with OCI_TRANS_TWOPHASE commits the prepared transaction of the handle's XID. */
+/* Commits; with OCI_TRANS_TWOPHASE commits the prepared transaction of the handle's XID.
+ */
 sword OCITransCommit(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
-/* Rolls back; with OCI_TRANS_TWOPHASE rolls the prepared transaction of the handle's XID back. */
+/* Rolls back; with OCI_TRANS_TWOPHASE rolls the prepared transaction of the handle's XID
+ * back. */
 sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
 /* Prepares the current transaction for commit under the XID of the transaction handle. */

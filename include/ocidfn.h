@@ -4,6 +4,7 @@
 #ifndef ZEVOCI_OCIDFN_H
 #define ZEVOCI_OCIDFN_H
 
+/* clang-format off */
 /* External types (SQLT_*): the dty of a bind or define, and OCI_ATTR_DATA_TYPE. */
 #define SQLT_CHR                                   1
 #define SQLT_NUM                                   2
@@ -75,5 +76,6 @@
 #define OCI_LM_DEF                                 0
 #define OCI_EV_TSF                                 1
 #define OCI_LM_NBL                                 1
+/* clang-format on */
 
 #endif /* ZEVOCI_OCIDFN_H */

@@ -36,6 +36,7 @@ typedef OCIColl OCIArray;           /* varying array */
 typedef OCIColl OCITable;           /* nested table */
 typedef struct OCIIter OCIIter;     /* iterator over a collection */
 
+/* clang-format off */
 /* What OCIDateCheck found, as bits. */
 #define OCI_DATE_INVALID_DAY                       0x1
 #define OCI_DT_INVALID_DAY                         0x1
@@ -71,5 +72,6 @@ typedef struct OCIIter OCIIter;     /* iterator over a collection */
 /* Whether an integer is signed in the OCINumber conversions. */
 #define OCI_NUMBER_UNSIGNED                        0
 #define OCI_NUMBER_SIGNED                          2
+/* clang-format on */
 
 #endif /* ZEVOCI_ORL_H */

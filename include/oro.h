@@ -6,6 +6,7 @@
 
 #include "oratypes.h"
 
+/* clang-format off */
 /* Durations (OCIDuration). */
 #define OCI_DURATION_PROCESS                       5
 #define OCI_DURATION_NEXT                          6
@@ -20,6 +21,7 @@
 #define OCI_DURATION_CALLOUT                       14
 #define OCI_DURATION_LAST                          14
 #define OCI_DURATION_INVALID                       65535
+/* clang-format on */
 
 /* Which version of an object a pin gives. */
 typedef enum OCIPinOpt {
@@ -36,6 +38,7 @@ typedef enum OCILockOpt {
   OCI_LOCK_X_NOWAIT = 3 /* exclusively, or fail at once */
 } OCILockOpt;
 
+/* clang-format off */
 /* Flags of freeing an object. */
 #define OCI_OBJECTFREE_FORCE                       1
 #define OCI_OBJECTFREE_NONULL                      2
@@ -44,6 +47,7 @@ typedef enum OCILockOpt {
 /* Null indicators (OCIInd). */
 #define OCI_IND_NULL                               (-1)
 #define OCI_IND_NOTNULL                            0
+/* clang-format on */
 
 typedef ub2 OCIDuration;     /* how long an object or a memory block lives */
 typedef sb2 OCIInd;          /* OCI_IND_NULL or OCI_IND_NOTNULL */

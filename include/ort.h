@@ -6,6 +6,7 @@
 
 #include "oratypes.h"
 
+/* clang-format off */
 /* Type codes (OCITypeCode). */
 #define OCI_TYPECODE_NONE                          0
 #define OCI_TYPECODE_VARCHAR                       1
@@ -62,6 +63,7 @@
 #define OCI_TYPECODE_NVARCHAR2                     287
 #define OCI_TYPECODE_NCLOB                         288
 #define OCI_TYPECODE_OTMLAST                       320
+/* clang-format on */
 
 typedef ub2 OCITypeCode; /* one of the codes above */
 
@@ -71,10 +73,12 @@ typedef enum OCITypeGetOpt {
   OCI_TYPEGET_ALL = 1     /* attributes and methods too */
 } OCITypeGetOpt;
 
+/* clang-format off */
 /* Direction of a method's argument. */
 #define OCI_TYPEPARAM_IN                           0
 #define OCI_TYPEPARAM_OUT                          1
 #define OCI_TYPEPARAM_INOUT                        2
+/* clang-format on */
 
 typedef struct OCIType OCIType;             /* description of a type */
 typedef struct OCIAnyData OCIAnyData;       /* a value with its type */

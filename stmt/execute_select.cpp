@@ -96,6 +96,23 @@ sword describeStatement(const Execution &x) {
   return OCI_ERROR;
 }
 
+/// How many rows a first fetch asks for and how many of them it delivers.
+struct FirstRows {
+  ub4 asked;
+  ub4 delivered;
+};
+
+FirstRows planFirstRows(const OCIStmt *stmt, ub4 iters) {
+  if (stmt->execMode == OCI_EXACT_FETCH) return {iters + 1, iters};
+  if (stmt->prefetchRows && iters < 2) return {stmt->prefetchRows, 1};
+  return {iters, iters};
+}
+
+/// Whether the execution that opens a portal goes on to fetch from it.
+bool willFetch(const Execution &x) {
+  return x.iters && !x.rowoff && x.stmt->defines && x.stmt->execMode != OCI_PARSE_ONLY;
+}
+
 /// Opens the portal over the converted binds, which are released.
 sword openPortal(const Execution &x) {
   OCIStmt *stmt = x.stmt;
@@ -112,6 +129,7 @@ sword openPortal(const Execution &x) {
 
   const zev::NoticeScope notices(conn, x.errhp);
   PQextScrollNext(conn, isScrollable(stmt));
+  if (willFetch(x)) PQextExpectFetch(conn, planFirstRows(stmt, x.iters).asked);
   const int sent = PQsendBindPrepared(conn, cursor->portalName, cursor->stmtName,
                                       parameters.count, parameters.values, parameters.lengths,
                                       parameters.formats, 0);
@@ -130,15 +148,37 @@ sword openPortal(const Execution &x) {
 
 bool stopsCall(sword status) { return status < 0 || status > OCI_SUCCESS_WITH_INFO; }
 
+/// The portal of a former execution is closed in the round trip that opens the next one.
+void closeWithNext(const Execution &x) {
+  PortalState *cursor = x.stmt->cursor;
+  const bool isOurs = cursor && cursor->server == x.server && cursor->portalName &&
+                      x.stmt->serverPrepared && x.stmt->execMode != OCI_DESCRIBE_ONLY;
+  if (!isOurs) return;
+  ocitrace(kTracePortals, "closePortal", "closing %s\n", cursor->portalName);
+  PQextCloseLater(x.server->conn, cursor->portalName);
+  zev::freeText(cursor->portalName);
+}
+
+/// Opens the transaction, together with the portal where nothing has to be prepared first.
+void beginWithPortal(const Execution &x) {
+  if (x.stmt->serverPrepared && x.stmt->execMode != OCI_DESCRIBE_ONLY) {
+    PQextBeginFirst(x.server->conn);
+  } else {
+    START_TRANSACTION(x.server->conn);
+  }
+}
+
 std::optional<sword> openByPortal(const Execution &x) {
   OCIStmt *stmt = x.stmt;
+  closeWithNext(x);
   if (const sword status = prepareCursor(x.server, stmt, x.errhp); status != 0) return status;
   zev::freeText(stmt->callText);
-  START_TRANSACTION(x.server->conn);
+  beginWithPortal(x);
   if (const sword status = settleStatement(x); status != OCI_SUCCESS) return status;
   ClearOCIStmtResultset(x.server, stmt);
   if (stmt->execMode == OCI_DESCRIBE_ONLY) return describeStatement(x);
   if (const sword status = GetOCIBindData(stmt, x.errhp, x.rowoff); stopsCall(status)) {
+    PQextFlush(x.server->conn);
     return status;
   }
   if (const sword status = openPortal(x); status != OCI_SUCCESS) return status;
@@ -208,21 +248,6 @@ sword describePortal(const Execution &x) {
   return OCI_ERROR;
 }
 
-/// How many rows a first fetch asks for and how many of them it delivers.
-struct FirstRows {
-  ub4 asked;
-  ub4 delivered;
-};
-
-FirstRows planFirstRows(OCIStmt *stmt, ub4 iters) {
-  if (stmt->execMode == OCI_EXACT_FETCH) {
-    stmt->prefetchRows = 0;
-    return {iters + 1, iters};
-  }
-  if (stmt->prefetchRows && iters < 2) return {stmt->prefetchRows, 1};
-  return {iters, iters};
-}
-
 /// Delivers the rows of a first fetch that has some.
 sword deliverFirstRows(const Execution &x, const FirstRows &rows) {
   OCIStmt *stmt = x.stmt;
@@ -232,6 +257,7 @@ sword deliverFirstRows(const Execution &x, const FirstRows &rows) {
   stmt->resultRowPos = 0;
   const sword notice = zev::takeNotice(x.errhp) ? OCI_SUCCESS_WITH_INFO : OCI_SUCCESS;
   const sword filled = zev::fillDefines(stmt, x.errhp, rows.delivered);
+  stmt->heldDelivered = stmt->rowsFetched;
   if (stmt->execMode == OCI_EXACT_FETCH && stmt->prefetchedRows == rows.asked) {
     zev::fail(x.errhp, 1422, o2pGetErrorText(1422));
     zev::dropResults(stmt);
@@ -251,12 +277,14 @@ sword zev::fetchFirstRows(const Execution &x) {
   OCIStmt *stmt = x.stmt;
   stmt->prefetchedRows = 0;
   stmt->prefetchConsumed = 0;
+  stmt->heldDelivered = 0;
   if (x.rowoff) return fail(x.errhp, 1002);
   if (!x.iters) return describePortal(x);
   ZEV_ASSERT(stmt->cursor, "cursor != ((void *)0)");
   traceSending(x, stmt->stmtText);
 
   const FirstRows rows = planFirstRows(stmt, x.iters);
+  if (stmt->execMode == OCI_EXACT_FETCH) stmt->prefetchRows = 0;
   {
     const NoticeScope notices(x.server->conn, x.errhp);
     const sword status =

@@ -1,5 +1,6 @@
 #include "stmt/fetch.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -34,6 +35,7 @@ bool hasPendingRows(const OCIStmt *stmt) {
 sword cancel(OCIServer *server, OCIStmt *stmt, OCIError *errhp) {
   debugLogCursors(server->conn, "nrows = 0, before");
   stmt->prefetchConsumed = stmt->prefetchedRows;
+  stmt->heldDelivered = stmt->prefetchedRows;
   if (prepareCursor(server, stmt, errhp) != 0) {
     ROLLBACK_TRANSACTION(server);
     return OCI_ERROR;
@@ -100,6 +102,7 @@ sword fetchFromServer(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 nro
   PortalState *cursor = stmt->cursor;
   stmt->prefetchConsumed = 0;
   stmt->prefetchedRows = 0;
+  stmt->heldDelivered = 0;
   if (!cursor->portalName && !stmt->isRefCursor) return 0;  // closed by a fetch of no rows
   const bool movesBehind = orientation == OCI_FETCH_LAST && cursor->lastRow < 0;
   if (movesBehind) findLastRow(server, cursor, errhp);
@@ -112,23 +115,45 @@ sword fetchFromServer(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 nro
   return fetchRows(stmt, errhp, nrows);
 }
 
-/// Hands rows of the statement's result out.
-sword deliver(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation) {
+/// Counts the rows of a batch in; one that is handed out row by row counts with each row.
+void advance(OCIStmt *stmt) {
   PortalState *cursor = stmt->cursor;
   cursor->currentRow += static_cast<ub4>(PQntuples(stmt->pgResult));
   if (cursor->maxRow < cursor->currentRow) cursor->maxRow = cursor->currentRow;
+}
+
+/// Hands the next row of the held result out.
+sword deliverHeldRow(OCIStmt *stmt, OCIError *errhp) {
+  const sword status = zev::fillDefinesFromHeld(stmt, errhp, stmt->prefetchConsumed);
+  ++stmt->prefetchConsumed;
+  stmt->heldDelivered = std::max(stmt->heldDelivered, stmt->prefetchConsumed);
+  return status;
+}
+
+/// Hands the first `nrows` rows of a fresh batch out, into the buffers from `bufferRow` on.
+sword deliverBatch(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow) {
   stmt->resultRowPos = 0;
-  sword status;
-  if (stmt->prefetchRows && nrows < 2) {
-    status = zev::fillDefinesFromHeld(stmt, errhp, stmt->prefetchConsumed);
-    ++stmt->prefetchConsumed;
-  } else {
-    status = zev::fillDefines(stmt, errhp, nrows);
-  }
+  const sword status = zev::fillDefines(stmt, errhp, nrows, bufferRow);
+  stmt->heldDelivered = stmt->rowsFetched;
+  stmt->prefetchConsumed = stmt->heldDelivered;
+  return status;
+}
+
+sword deliver(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation) {
+  advance(stmt);
+  stmt->resultRowPos = 0;
+  const sword status = stmt->prefetchRows && nrows < 2 ? deliverHeldRow(stmt, errhp)
+                                                       : deliverBatch(stmt, errhp, nrows, 0);
   if (status == OCI_NO_DATA && orientation == OCI_FETCH_LAST && stmt->rowsFetched) {
     return OCI_SUCCESS;
   }
   return status;
+}
+
+/// Rows that were prefetched for single-row fetches and that nobody has handed out yet.
+ub4 undelivered(const OCIStmt *stmt) {
+  const ub4 tuples = static_cast<ub4>(PQntuples(stmt->pgResult));
+  return stmt->prefetchRows && tuples > stmt->heldDelivered ? tuples - stmt->heldDelivered : 0;
 }
 
 void traceResult(const OCIStmt *stmt) {
@@ -143,6 +168,41 @@ void traceResult(const OCIStmt *stmt) {
 sword traceFailure(const OCIStmt *stmt) {
   ocitrace(kTraceResults, "doFetch", "stmtp(%p) failed", static_cast<const void *>(stmt));
   return OCI_ERROR;
+}
+
+sword endOfData(OCIServer *server, OCIStmt *stmt) {
+  ClearOCIStmtResultset(server, stmt);
+  stmt->cursor->state = kPortalAtEnd;
+  return OCI_NO_DATA;
+}
+
+/// An array fetch in the middle of a prefetched batch: what is held goes first, the rest comes
+/// from the server.
+sword fetchAcross(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 nrows) {
+  const ub4 held = std::min(undelivered(stmt), nrows);
+  stmt->resultRowPos = stmt->heldDelivered;
+  const sword status = zev::fillDefines(stmt, errhp, held);
+  stmt->heldDelivered += held;
+  stmt->prefetchConsumed = stmt->heldDelivered;
+  if (held == nrows) return status;
+
+  ClearOCIStmtResultset(server, stmt);
+  const sword fetched =
+      fetchFromServer(server, stmt, errhp, nrows - held, OCI_FETCH_NEXT, 0);
+  if (fetched != OCI_SUCCESS) {
+    zev::dropResults(stmt);
+    return traceFailure(stmt);
+  }
+  sword rest = OCI_NO_DATA;
+  stmt->rowsFetched = 0;
+  if (PQntuples(stmt->pgResult)) {
+    advance(stmt);
+    rest = deliverBatch(stmt, errhp, nrows - held, held);
+  } else {
+    stmt->cursor->state = kPortalAtEnd;
+  }
+  stmt->rowsFetched += held;
+  return rest;
 }
 
 /// The checks that both fetch calls make before the work.
@@ -223,6 +283,9 @@ sword doFetch(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation, sb4 of
   const bool pending = hasPendingRows(stmt);
   if (!pending) ClearOCIStmtResultset(server, stmt);
   if (!nrows) return cancel(server, stmt, errhp);
+  if (forward && nrows >= 2 && undelivered(stmt)) {
+    return fetchAcross(server, stmt, errhp, nrows);
+  }
   if (!pending || nrows >= 2) {
     const sword status = fetchFromServer(server, stmt, errhp, nrows, orientation, offset);
     if (status != OCI_SUCCESS) {
@@ -232,9 +295,7 @@ sword doFetch(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation, sb4 of
   }
   traceResult(stmt);
   if (PQntuples(stmt->pgResult)) return deliver(stmt, errhp, nrows, orientation);
-  ClearOCIStmtResultset(server, stmt);
-  cursor->state = kPortalAtEnd;
-  return OCI_NO_DATA;
+  return endOfData(server, stmt);
 }
 
 ZEV_API sword OCIStmtFetch(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation,

@@ -9,11 +9,28 @@
 
 namespace zev {
 
-/// One column of a result: where it goes and how.
+/// Program buffers of one kind, a row of them every `stride` bytes; none for a null base.
+template <class T>
+struct Strided {
+  T *base;
+  std::size_t stride;
+
+  T *at(std::size_t row) const {
+    return base ? reinterpret_cast<T *>(reinterpret_cast<char *>(base) + row * stride)
+                : nullptr;
+  }
+};
+
+/// One column of a result: how it is converted and where its rows go.
 struct ColumnPlan {
-  const OCIDefine *define;
   ColumnConversion conversion;
   ub1 format;
+  bool isDynamic;
+  ub4 valueSize;
+  Strided<char> values;
+  Strided<sb2> indicators;
+  Strided<ub2> lengths;
+  Strided<ub2> returnCodes;
 };
 
 /// The columns of a result up to the first without a define.
@@ -29,25 +46,30 @@ namespace {
 using zev::ColumnPlan;
 using zev::FetchPlan;
 
+ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field, PGconn *conn) {
+  const bool isStruct = define->isStruct;
+  const auto stride = [isStruct](ub4 skip, std::size_t own) { return isStruct ? skip : own; };
+  return {zev::conversionOf(PQftype(result, field), define->dty, conn),
+          static_cast<ub1>(PQfformat(result, field)),
+          define->isDynamic != 0,
+          define->valueSize,
+          {static_cast<char *>(define->valuep), stride(define->pvskip, define->valueSize)},
+          {define->indp, stride(define->indskip, sizeof(sb2))},
+          {define->alenp, stride(define->alskip, sizeof(ub2))},
+          {define->rcodep, stride(define->rcskip, sizeof(ub2))}};
+}
+
 void lookUp(FetchPlan &plan, const List *defines, const PGresult *result, PGconn *conn) {
   plan.columns.clear();
   plan.current = true;
   for (int field = 0; field < PQnfields(result); ++field) {
     const OCIDefine *define = find_define(defines, static_cast<ub4>(field));
     if (!define) return;
-    plan.columns.push_back({define,
-                            zev::conversionOf(PQftype(result, field), define->dty, conn),
-                            static_cast<ub1>(PQfformat(result, field))});
+    plan.columns.push_back(planOf(define, result, field, conn));
   }
 }
 
-template <class T>
-T *rowOf(T *base, std::size_t offset) {
-  return base ? reinterpret_cast<T *>(reinterpret_cast<char *>(base) + offset) : nullptr;
-}
-
 void traceField(const zev::Field &field) {
-  if (!zev::tracing(kTraceFetched)) return;
   if (field.format == 0) {
     ocitrace(kTraceFetched, "filldefine", "%s\n", field.value);
   } else {
@@ -55,55 +77,60 @@ void traceField(const zev::Field &field) {
   }
 }
 
-/// Converts one field into row `row` of its define's buffers.
-sword fillCell(OCIError *errhp, const ColumnPlan &column, const zev::Field &field, ub4 row) {
-  const OCIDefine *define = column.define;
-  if (define->isDynamic) return zev::fail(errhp, 3001);
-  const bool isStruct = define->isStruct;
-  const std::size_t n = row;
-  ub2 *produced = rowOf(define->alenp, n * (isStruct ? define->alskip : sizeof(ub2)));
-  ub4 length = define->valueSize;
-  traceField(field);
-  const sword status = zev::convertField(
-      errhp, column.conversion, field,
-      {rowOf(static_cast<char *>(define->valuep),
-             n * (isStruct ? define->pvskip : define->valueSize)),
-       &length, rowOf(define->indp, n * (isStruct ? define->indskip : sizeof(sb2))),
-       rowOf(define->rcodep, n * (isStruct ? define->rcskip : sizeof(ub2)))});
-  if (produced) *produced = static_cast<ub2>(length);
+/// A field of a result; only one of no length can be null.
+zev::Field fieldAt(const PGresult *result, ub1 format, int row, int field) {
+  const int length = PQgetlength(result, row, field);
+  return {PQgetvalue(result, row, field), length, format,
+          length == 0 && PQgetisnull(result, row, field) != 0};
+}
+
+/// Rows of a result and where they go.
+struct RowSpan {
+  ub4 first;      ///< row of the result
+  ub4 count;
+  ub4 bufferRow;  ///< row of the program's buffers
+};
+
+/// Converts the rows of one column; the status is that of the last one.
+sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *result, int field,
+                 const RowSpan &rows) {
+  if (column.isDynamic) return rows.count ? zev::fail(errhp, 3001) : OCI_SUCCESS;
+  const bool tracing = zev::tracing(kTraceFetched);
+  sword status = OCI_SUCCESS;
+  for (ub4 i = 0; i < rows.count; ++i) {
+    const zev::Field cell =
+        fieldAt(result, column.format, static_cast<int>(rows.first + i), field);
+    if (tracing) traceField(cell);
+    const std::size_t row = rows.bufferRow + i;
+    ub4 length = column.valueSize;
+    status = zev::convertField(errhp, column.conversion, cell,
+                               {column.values.at(row), &length, column.indicators.at(row),
+                                column.returnCodes.at(row)});
+    if (ub2 *produced = column.lengths.at(row)) *produced = static_cast<ub2>(length);
+  }
   return status;
 }
 
-zev::Field fieldAt(const PGresult *result, const ColumnPlan &column, int row, int field) {
-  return {PQgetvalue(result, row, field), PQgetlength(result, row, field), column.format,
-          PQgetisnull(result, row, field) != 0};
-}
-
-/// The walk that all members share: `rows` rows from result row `first` on. The status is that of
-/// the last cell of the last column.
-sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result, ub4 first,
-                  ub4 rows) {
+/// The walk that all members share. The status is that of the last cell of the last column.
+sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result,
+                  const RowSpan &rows) {
   sword status = OCI_SUCCESS;
   int field = 0;
   for (const ColumnPlan &column : plan.columns) {
-    for (ub4 row = 0; row < rows; ++row) {
-      status = fillCell(errhp, column,
-                        fieldAt(result, column, static_cast<int>(first + row), field), row);
-    }
-    ++field;
+    status = fillColumn(column, errhp, result, field++, rows);
   }
   return status;
 }
 
 sword fillRows(const FetchPlan &plan, OCIError *errhp, const PGresult *result, ub4 nrows,
-               ub4 *resultRowPos, ub4 *rowsFetched) {
+               ub4 *resultRowPos, ub4 *rowsFetched, ub4 bufferRow = 0) {
   const ub4 start = *resultRowPos;
   const auto tuples = static_cast<ub4>(PQntuples(result));
   const ub4 available = tuples > start ? tuples - start : 0;
   const ub4 rows = std::min(nrows, available);
   *rowsFetched = rows;
   if (PQnfields(result) == 0) return OCI_SUCCESS;
-  const sword status = fillColumns(plan, errhp, result, start, rows);
+  const sword status = fillColumns(plan, errhp, result, {start, rows, bufferRow});
   if (!plan.columns.empty()) *resultRowPos += rows;
   return nrows > rows && !plan.columns.empty() ? OCI_NO_DATA : status;
 }
@@ -172,12 +199,12 @@ void freeFetchPlan(OCIStmt *stmt) {
   stmt->fetchPlan = nullptr;
 }
 
-sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows) {
+sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow) {
   if (isNothingToFill(stmt->defines, stmt->pgResult, nrows, &stmt->resultRowPos)) {
     return fail(errhp, 24374);
   }
   return fillRows(planOf(stmt), errhp, stmt->pgResult, nrows, &stmt->resultRowPos,
-                  &stmt->rowsFetched);
+                  &stmt->rowsFetched, bufferRow);
 }
 
 sword fillDefinesFromHeld(OCIStmt *stmt, OCIError *errhp, ub4 rowIndex) {

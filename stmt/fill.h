@@ -34,8 +34,8 @@ void forgetFetchPlan(OCIStmt *stmt);
 void freeFetchPlan(OCIStmt *stmt);
 
 /// fill_define_buffers for the result and defines of a statement, whose converters are looked up
-/// once a result.
-sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows);
+/// once a result. The rows go into the buffers from row `bufferRow` on.
+sword fillDefines(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow = 0);
 
 /// fill_define_buffers_prefetch for the held result of a statement.
 sword fillDefinesFromHeld(OCIStmt *stmt, OCIError *errhp, ub4 rowIndex);

@@ -81,6 +81,7 @@ struct OCIStmt : OCIHandle {
   ub4 prefetchRows;
   ub4 prefetchedRows;    ///< rows in the result of the last fetch
   ub4 prefetchConsumed;  ///< of these, delivered one by one
+  ub4 heldDelivered;     ///< leading rows of pgResult that the program has, however it got them
   ub4 arrayRowCount;
   List *memCache;  ///< blocks of AllocateMemFromStmtCache
   zev::FetchPlan *fetchPlan;  ///< owned; converters looked up for the columns of pgResult

@@ -35,7 +35,8 @@ case $how in
 esac
 
 for program in consumer_c consumer_cpp; do
-  ldd "$work/$program" | grep -qF "$prefix/$libdir/libzevoci.so.11" ||
+  loads=$(ldd "$work/$program")
+  grep -qF "$prefix/$libdir/libzevoci.so.11" <<< "$loads" ||
     fail "$program does not load the installed library"
   said=$("$work/$program") || fail "$program ended with $?"
   [ "$said" = 11.0.1.1.0 ] || fail "$program said: $said"

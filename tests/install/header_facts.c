@@ -1,7 +1,7 @@
 /*
- * Facts of the published interface that a program compiled elsewhere relies on: the value of every
- * constant, the widths and layouts of the types, and each function's exact argument list. All of
- * it is settled when this file compiles.
+ * Facts of the published interface that a program compiled elsewhere relies on: the value
+ * of every constant, the widths and layouts of the types, and each function's exact
+ * argument list. All of it is settled when this file compiles.
  */
 #include <oci.h>
 #include <xa.h>

@@ -1,6 +1,6 @@
 /*
- * A program as it would be written against an installed tree: makes an environment and prints the
- * client version. Needs no server.
+ * A program as it would be written against an installed tree: makes an environment and
+ * prints the client version. Needs no server.
  */
 #include <oci.h>
 #include <stdio.h>
