@@ -34,11 +34,12 @@ constexpr sb4 kBelowMax = SB4MAXVAL - 1;
 }  // namespace zev
 
 // clang-format off
-#define BINARY_MEMBERS(X)                                                                   \
-  X(ConvertSQLT_BINToBYTEAOID, .prefix = 0)                                                 \
-  X(ConvertSQLT_LBIToBYTEAOID, .prefix = 0, .maxSize = zev::kBelowMax)                      \
-  X(ConvertSQLT_VBIToBYTEAOID, .prefix = 2, .maxLength = 65533, .maxSize = 65535)           \
-  X(ConvertSQLT_LVBToBYTEAOID, .prefix = 4, .maxLength = 0x7FFFFFFA, .maxSize = zev::kBelowMax)
+#define BINARY_MEMBERS(X)                                                        \
+  X(ConvertSQLT_BINToBYTEAOID, .prefix = 0)                                      \
+  X(ConvertSQLT_LBIToBYTEAOID, .prefix = 0, .maxSize = zev::kBelowMax)           \
+  X(ConvertSQLT_VBIToBYTEAOID, .prefix = 2, .maxLength = 65533, .maxSize = 65535) \
+  X(ConvertSQLT_LVBToBYTEAOID, .prefix = 4, .maxLength = 0x7FFFFFFA,             \
+    .maxSize = zev::kBelowMax)
 // clang-format on
 #define DEFINE(name, ...)                                                 \
   extern "C" sword name(BIND_PARAMS) {                                    \

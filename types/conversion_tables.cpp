@@ -55,30 +55,30 @@ extern "C" constexpr ConversionEntry OCIToPQConversionFunctions[kToServerEntries
 #define OWN(oid, X, Y) CELL(oid, SQLT_##Y, X, Y)
 
 // The rows of the matrix by family. A number's SQLT_NUM cell is told apart by the row.
-#define NUMBER_ROW(oid, X, NumCell)                                                         \
-  OWN(oid, X, CHR)  CELL(oid, SQLT_NUM, X, NumCell)                                         \
-  OWN(oid, X, INT)  OWN(oid, X, FLT)     OWN(oid, X, STR)      OWN(oid, X, VNU)             \
-  OWN(oid, X, LNG)  OWN(oid, X, VCS)     OWN(oid, X, BFLOAT)   OWN(oid, X, BDOUBLE)         \
-  OWN(oid, X, UIN)  OWN(oid, X, LVC)     OWN(oid, X, AFC)      OWN(oid, X, AVC)             \
+#define NUMBER_ROW(oid, X, NumCell)                                              \
+  OWN(oid, X, CHR)  CELL(oid, SQLT_NUM, X, NumCell)                              \
+  OWN(oid, X, INT)  OWN(oid, X, FLT)     OWN(oid, X, STR)      OWN(oid, X, VNU)  \
+  OWN(oid, X, LNG)  OWN(oid, X, VCS)     OWN(oid, X, BFLOAT)   OWN(oid, X, BDOUBLE) \
+  OWN(oid, X, UIN)  OWN(oid, X, LVC)     OWN(oid, X, AFC)      OWN(oid, X, AVC)  \
   OWN(oid, X, VST)
-#define CHARACTER_ROW(oid, X)                                                               \
-  OWN(oid, X, CHR)  OWN(oid, X, NUM)     OWN(oid, X, INT)      OWN(oid, X, FLT)             \
-  OWN(oid, X, STR)  OWN(oid, X, VNU)     OWN(oid, X, LNG)      OWN(oid, X, VCS)             \
-  OWN(oid, X, DAT)  OWN(oid, X, VBI)     OWN(oid, X, BFLOAT)   OWN(oid, X, BDOUBLE)         \
-  OWN(oid, X, BIN)  OWN(oid, X, LBI)     OWN(oid, X, UIN)      OWN(oid, X, LVC)             \
-  OWN(oid, X, LVB)  CELL(oid, SQLT_AFC, X, CHR)                OWN(oid, X, AVC)             \
-  OWN(oid, X, VST)  OWN(oid, X, ODT)     OWN(oid, X, DATE)     OWN(oid, X, TIMESTAMP)       \
+#define CHARACTER_ROW(oid, X)                                                    \
+  OWN(oid, X, CHR)  OWN(oid, X, NUM)     OWN(oid, X, INT)      OWN(oid, X, FLT)  \
+  OWN(oid, X, STR)  OWN(oid, X, VNU)     OWN(oid, X, LNG)      OWN(oid, X, VCS)  \
+  OWN(oid, X, DAT)  OWN(oid, X, VBI)     OWN(oid, X, BFLOAT)   OWN(oid, X, BDOUBLE) \
+  OWN(oid, X, BIN)  OWN(oid, X, LBI)     OWN(oid, X, UIN)      OWN(oid, X, LVC)  \
+  OWN(oid, X, LVB)  CELL(oid, SQLT_AFC, X, CHR)                OWN(oid, X, AVC)  \
+  OWN(oid, X, VST)  OWN(oid, X, ODT)     OWN(oid, X, DATE)     OWN(oid, X, TIMESTAMP) \
   OWN(oid, X, TIMESTAMP_TZ)              CELL(oid, SQLT_TIMESTAMP_LTZ, X, TIMESTAMP_TZ)
-#define BINARY_ROW(oid, X)                                                                  \
-  OWN(oid, X, CHR)  OWN(oid, X, STR)     OWN(oid, X, LNG)      OWN(oid, X, VCS)             \
-  OWN(oid, X, VBI)  OWN(oid, X, BIN)     OWN(oid, X, LBI)      OWN(oid, X, LVC)             \
+#define BINARY_ROW(oid, X)                                                       \
+  OWN(oid, X, CHR)  OWN(oid, X, STR)     OWN(oid, X, LNG)      OWN(oid, X, VCS)  \
+  OWN(oid, X, VBI)  OWN(oid, X, BIN)     OWN(oid, X, LBI)      OWN(oid, X, LVC)  \
   OWN(oid, X, LVB)  OWN(oid, X, AFC)     OWN(oid, X, AVC)      OWN(oid, X, VST)
-// Character targets go by the date, the others by the timestamp; ZoneX is who knows the zone.
-#define DATE_ROW(oid, DateX, TimeX, ZoneX)                                                  \
-  OWN(oid, DateX, CHR)  OWN(oid, DateX, STR)  OWN(oid, DateX, LNG)  OWN(oid, DateX, VCS)    \
-  OWN(oid, TimeX, DAT)                                                                      \
-  OWN(oid, DateX, LVC)  OWN(oid, DateX, AFC)  OWN(oid, DateX, AVC)  OWN(oid, DateX, VST)    \
-  OWN(oid, TimeX, ODT)  OWN(oid, TimeX, DATE) OWN(oid, TimeX, TIMESTAMP)                    \
+// Character targets go by the date, the others by the timestamp, ZoneX by its zone too.
+#define DATE_ROW(oid, DateX, TimeX, ZoneX)                                       \
+  OWN(oid, DateX, CHR)  OWN(oid, DateX, STR)  OWN(oid, DateX, LNG)  OWN(oid, DateX, VCS) \
+  OWN(oid, TimeX, DAT)                                                           \
+  OWN(oid, DateX, LVC)  OWN(oid, DateX, AFC)  OWN(oid, DateX, AVC)  OWN(oid, DateX, VST) \
+  OWN(oid, TimeX, ODT)  OWN(oid, TimeX, DATE) OWN(oid, TimeX, TIMESTAMP)         \
   OWN(oid, ZoneX, TIMESTAMP_TZ)  CELL(oid, SQLT_TIMESTAMP_LTZ, ZoneX, TIMESTAMP_TZ)
 
 extern "C" constexpr ConversionEntry PQToOCIConversionFunctions[kFromServerEntries] = {

@@ -24,7 +24,7 @@ ZEV_HELPER ToServerFunction
     ConvertSQLT_BINToBYTEAOID, ConvertSQLT_LBIToBYTEAOID, ConvertSQLT_VBIToBYTEAOID,
     ConvertSQLT_LVBToBYTEAOID;
 
-// Character data that are bound. The result is NUL-terminated and its length counts the NUL.
+// Character data that are bound. The result ends in a NUL, which its length counts.
 ZEV_HELPER ToServerFunction
     ConvertSQLT_CHRToTEXTOID, ConvertSQLT_LNGToTEXTOID, ConvertSQLT_AFCToTEXTOID,
     ConvertSQLT_STRToTEXTOID, ConvertSQLT_VCSToTEXTOID, ConvertSQLT_LVCToTEXTOID,

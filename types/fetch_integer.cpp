@@ -110,9 +110,9 @@ long readAsLong(const char *s) {
 }  // namespace zev
 
 // clang-format off
-#define INTEGER_MEMBERS(X)                                                                  \
-  X(ConvertINT2OIDToSQLT_INT, sb2, (readLong<sb2, Edges::Refuse>), OtherSize::Refuse)       \
-  X(ConvertINT4OIDToSQLT_INT, sb4, (readLong<sb4, Edges::Accept>), OtherSize::Ignore)       \
+#define INTEGER_MEMBERS(X)                                                       \
+  X(ConvertINT2OIDToSQLT_INT, sb2, (readLong<sb2, Edges::Refuse>), OtherSize::Refuse) \
+  X(ConvertINT4OIDToSQLT_INT, sb4, (readLong<sb4, Edges::Accept>), OtherSize::Ignore) \
   X(ConvertINT8OIDToSQLT_INT, sb8, readInt8,                       OtherSize::Refuse)
 
 // A binary INT4OID is too short for its member.

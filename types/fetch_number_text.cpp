@@ -192,30 +192,30 @@ bool printNumeric(const void *value, sb4 valueLength, Scratch &scratch,
 }  // namespace zev
 
 // clang-format off
-#define TEXT_MEMBERS(X)                                                                     \
-  X(ConvertINT2OIDToSQLT_CHR, printInt2,                                                    \
-    .layout = Layout::Padded, .fit = Fit::Below, .spill = Spill::ReportMissing)             \
-  X(ConvertINT4OIDToSQLT_CHR, printInt4,                                                    \
-    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Record1406)                 \
-  X(ConvertINT8OIDToSQLT_CHR, printInt8,                                                    \
-    .layout = Layout::PaddedFullLength, .fit = Fit::UpTo, .spill = Spill::Silent)           \
-  X(ConvertFLOAT8OIDToSQLT_CHR, printFloat8,                                                \
-    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Record1406)                 \
-  X(ConvertNUMERICOIDToSQLT_CHR, printNumeric,                                              \
-    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Silent,                     \
-    .null = Null::EmptyAndClearsLength, .maxValue = 4000)                                   \
-  X(ConvertINT2OIDToSQLT_STR, printInt2,                                                    \
-    .layout = Layout::Terminated, .fit = Fit::Below, .spill = Spill::ReportMissing,         \
-    .maxValue = 2000)                                                                       \
-  X(ConvertINT4OIDToSQLT_STR, printInt4,                                                    \
-    .layout = Layout::TerminatedBehind, .fit = Fit::Below, .spill = Spill::Silent)          \
-  X(ConvertINT8OIDToSQLT_STR, printInt8,                                                    \
-    .layout = Layout::TerminatedBehind, .fit = Fit::Below, .spill = Spill::Silent)          \
-  X(ConvertFLOAT8OIDToSQLT_STR, printFloat8,                                                \
-    .layout = Layout::Terminated, .fit = Fit::Below, .spill = Spill::Record1406,            \
-    .terminatorMissing = 1, .null = Null::Missing, .minCap = 1, .minValue = 4)              \
-  X(ConvertNUMERICOIDToSQLT_STR, printNumeric,                                              \
-    .layout = Layout::Terminated, .fit = Fit::UpTo, .spill = Spill::Refuse,                 \
+#define TEXT_MEMBERS(X)                                                          \
+  X(ConvertINT2OIDToSQLT_CHR, printInt2,                                         \
+    .layout = Layout::Padded, .fit = Fit::Below, .spill = Spill::ReportMissing)  \
+  X(ConvertINT4OIDToSQLT_CHR, printInt4,                                         \
+    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Record1406)      \
+  X(ConvertINT8OIDToSQLT_CHR, printInt8,                                         \
+    .layout = Layout::PaddedFullLength, .fit = Fit::UpTo, .spill = Spill::Silent) \
+  X(ConvertFLOAT8OIDToSQLT_CHR, printFloat8,                                     \
+    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Record1406)      \
+  X(ConvertNUMERICOIDToSQLT_CHR, printNumeric,                                   \
+    .layout = Layout::Padded, .fit = Fit::UpTo, .spill = Spill::Silent,          \
+    .null = Null::EmptyAndClearsLength, .maxValue = 4000)                        \
+  X(ConvertINT2OIDToSQLT_STR, printInt2,                                         \
+    .layout = Layout::Terminated, .fit = Fit::Below, .spill = Spill::ReportMissing, \
+    .maxValue = 2000)                                                            \
+  X(ConvertINT4OIDToSQLT_STR, printInt4,                                         \
+    .layout = Layout::TerminatedBehind, .fit = Fit::Below, .spill = Spill::Silent) \
+  X(ConvertINT8OIDToSQLT_STR, printInt8,                                         \
+    .layout = Layout::TerminatedBehind, .fit = Fit::Below, .spill = Spill::Silent) \
+  X(ConvertFLOAT8OIDToSQLT_STR, printFloat8,                                     \
+    .layout = Layout::Terminated, .fit = Fit::Below, .spill = Spill::Record1406, \
+    .terminatorMissing = 1, .null = Null::Missing, .minCap = 1, .minValue = 4)   \
+  X(ConvertNUMERICOIDToSQLT_STR, printNumeric,                                   \
+    .layout = Layout::Terminated, .fit = Fit::UpTo, .spill = Spill::Refuse,      \
     .null = Null::EmptyAndClearsLength, .maxValue = 4000)
 // clang-format on
 

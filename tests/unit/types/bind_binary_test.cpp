@@ -8,15 +8,21 @@ class BindBinary : public testing::TestWithParam<BindCase> {
   Session session;
 };
 
-TEST_P(BindBinary, Goes) { expectBind(session, GetParam()); }
+TEST_P(BindBinary, Goes) {
+  expectBind(session, GetParam());
+}
 
 const auto kBin = ConvertSQLT_BINToBYTEAOID;
 const auto kLbi = ConvertSQLT_LBIToBYTEAOID;
 const auto kVbi = ConvertSQLT_VBIToBYTEAOID;
 const auto kLvb = ConvertSQLT_LVBToBYTEAOID;
 
-std::string vbi(ub2 length, const std::string &bytes) { return native(length) + bytes; }
-std::string lvb(ub4 length, const std::string &bytes) { return native(length) + bytes; }
+std::string vbi(ub2 length, const std::string &bytes) {
+  return native(length) + bytes;
+}
+std::string lvb(ub4 length, const std::string &bytes) {
+  return native(length) + bytes;
+}
 const std::string kLongest(65533, 'x');
 
 // clang-format off

@@ -1,5 +1,5 @@
-#include "types_fixture.h"
 #include "types/numeric.h"
+#include "types_fixture.h"
 
 namespace zevtest {
 namespace {
@@ -9,7 +9,9 @@ class BindNumber : public testing::TestWithParam<BindCase> {
   Session session;
 };
 
-TEST_P(BindNumber, Goes) { expectBind(session, GetParam()); }
+TEST_P(BindNumber, Goes) {
+  expectBind(session, GetParam());
+}
 
 /// The wire form of a whole number of at most two base-10000 digits.
 std::string numericBytes(sb2 weight, ub2 sign, std::vector<sb2> digits) {
@@ -109,7 +111,8 @@ TEST_F(BindNumber, RandomIntegersArriveAsTheirLowBytes) {
   auto random = generator();
   for (int i = 0; i < 20000; ++i) {
     const auto value = static_cast<sb8>(random() >> (random() % 64));
-    expectBind(session, {"INT4", kToInt4, native(value), 8, network(static_cast<sb4>(value)), 1});
+    expectBind(session,
+               {"INT4", kToInt4, native(value), 8, network(static_cast<sb4>(value)), 1});
     expectBind(session, {"INT8", kToInt8, native(value), 8, network(value), 1});
     const auto small = static_cast<sb2>(value);
     expectBind(session, {"INT2", kToInt8, native(small), 2, network<sb8>(small), 1});

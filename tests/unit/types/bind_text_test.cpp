@@ -22,10 +22,18 @@ class BindTextUtf16Plain : public BindTextUtf16 {
   void SetUp() override { session.env->oracleVarchars = 0; }
 };
 
-TEST_P(BindText, Goes) { expectBind(session, GetParam()); }
-TEST_P(BindTextPlain, Goes) { expectBind(session, GetParam()); }
-TEST_P(BindTextUtf16, Goes) { expectBind(session, GetParam()); }
-TEST_P(BindTextUtf16Plain, Goes) { expectBind(session, GetParam()); }
+TEST_P(BindText, Goes) {
+  expectBind(session, GetParam());
+}
+TEST_P(BindTextPlain, Goes) {
+  expectBind(session, GetParam());
+}
+TEST_P(BindTextUtf16, Goes) {
+  expectBind(session, GetParam());
+}
+TEST_P(BindTextUtf16Plain, Goes) {
+  expectBind(session, GetParam());
+}
 
 const auto kChr = ConvertSQLT_CHRToTEXTOID;
 const auto kLng = ConvertSQLT_LNGToTEXTOID;
@@ -34,8 +42,12 @@ const auto kStr = ConvertSQLT_STRToTEXTOID;
 const auto kVcs = ConvertSQLT_VCSToTEXTOID;
 const auto kLvc = ConvertSQLT_LVCToTEXTOID;
 
-std::string vcs(ub2 length, const std::string &bytes) { return native(length) + bytes; }
-std::string lvc(ub4 length, const std::string &bytes) { return native(length) + bytes; }
+std::string vcs(ub2 length, const std::string &bytes) {
+  return native(length) + bytes;
+}
+std::string lvc(ub4 length, const std::string &bytes) {
+  return native(length) + bytes;
+}
 /// `text` with its NUL in a buffer of `size` bytes, filled with "#" behind.
 std::string inBuffer(const std::string &text, std::size_t size) {
   std::string buffer(size, '#');
@@ -181,7 +193,8 @@ class BindStringValue : public BindText {
  protected:
   sword convert(sb4 size) {
     const OCIString *pointer = &string;
-    return ConvertSQLT_VSTToTEXTOID(session.errhp, &pointer, size, nullptr, &out, &length, &format);
+    return ConvertSQLT_VSTToTEXTOID(session.errhp, &pointer, size, nullptr, &out, &length,
+                                    &format);
   }
   ~BindStringValue() override { std::free(out); }
 

@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include "types_fixture.h"
+#include "zevoci/trace.h"
 
 namespace zevtest {
 namespace {
@@ -94,32 +95,68 @@ TEST_F(ToServer, NoIndicatorMeansAValue) {
 }
 
 TEST_F(ToServer, MissingOutputsFailWithoutARecord) {
-  sword status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID, nullptr,
-                            &length, &format);
+  sword status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID,
+                            nullptr, &length, &format);
   EXPECT_EQ(status, -1);
-  status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID, &out, nullptr,
-                      &format);
+  status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID, &out,
+                      nullptr, &format);
   EXPECT_EQ(status, -1);
-  status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID, &out, &length,
-                      nullptr);
+  status = OCI2PQType(session.errhp, SQLT_INT, &four, 4, &indicator, INT4OID, &out,
+                      &length, nullptr);
   EXPECT_EQ(status, -1);
   EXPECT_EQ(session.takeRecord(), kNoRecord);
 }
 
 TEST_F(ToServer, MissingErrorHandleFails) {
-  EXPECT_EQ(OCI2PQType(nullptr, SQLT_INT, &four, 4, &indicator, INT4OID, &out, &length, &format),
+  EXPECT_EQ(OCI2PQType(nullptr, SQLT_INT, &four, 4, &indicator, INT4OID, &out, &length,
+                       &format),
             -1);
+}
+
+/// What is traced under `mask` while `work` runs.
+template <class Work>
+std::string tracedBy(std::uint64_t mask, Work &&work) {
+  char *buffer = nullptr;
+  std::size_t size = 0;
+  oci_debug_log = ::open_memstream(&buffer, &size);
+  oci_debug_mask = mask;
+  work();
+  std::fclose(oci_debug_log);
+  oci_debug_log = nullptr;
+  oci_debug_mask = 0;
+  const std::unique_ptr<char, decltype(&std::free)> owned(buffer, std::free);
+  return {buffer, size};
+}
+
+TEST_F(ToServer, TracesTheTypesAndTheBytesOfBothSides) {
+  const std::string trace =
+      tracedBy(0x10, [&] { bind(SQLT_INT, &four, 4, &indicator, INT4OID); });
+  EXPECT_EQ(
+      trace.rfind("OCI2PQType: pgtype(23), ocitype(3), bufferin_sz(4) *indp(0)\n", 0), 0u)
+      << trace;
+  const auto source = trace.find("  source:"), result = trace.find("  result:");
+  ASSERT_NE(source, trace.npos);
+  ASSERT_NE(result, trace.npos);
+  EXPECT_LT(source, result);
+  EXPECT_NE(trace.find("05 00 00 00", source), trace.npos);
+  EXPECT_NE(trace.find("00 00 00 05", result), trace.npos);
+}
+
+TEST_F(ToServer, TracesNothingUnderAnotherMask) {
+  EXPECT_EQ(tracedBy(0x8, [&] { bind(SQLT_INT, &four, 4, &indicator, INT4OID); }), "");
 }
 
 using ToServerDeathTest = ToServer;
 
 TEST_F(ToServerDeathTest, MissingBufferWithAValueIsAsserted) {
-  EXPECT_EXIT(bind(SQLT_INT, nullptr, 4, &indicator, INT4OID), testing::KilledBySignal(SIGABRT),
+  EXPECT_EXIT(bind(SQLT_INT, nullptr, 4, &indicator, INT4OID),
+              testing::KilledBySignal(SIGABRT),
               "bufferin \\|\\| \\(indp && \\(\\*\\(sb2 \\*\\)indp\\) == -1\\)");
 }
 
 TEST_F(ToServerDeathTest, MissingSizeWithAValueIsAsserted) {
-  EXPECT_EXIT(bind(SQLT_INT, &four, 0, &indicator, INT4OID), testing::KilledBySignal(SIGABRT),
+  EXPECT_EXIT(bind(SQLT_INT, &four, 0, &indicator, INT4OID),
+              testing::KilledBySignal(SIGABRT),
               "bufferin_sz \\|\\| \\(indp && \\(\\*\\(sb2 \\*\\)indp\\) == -1\\)");
 }
 
@@ -135,8 +172,9 @@ class FromServer : public testing::Test {
  protected:
   sword fetch(Oid oid, const char *value, ub2 type, int isNull = 0) {
     length = sizeof target;
-    return PQ2OCIType(session.errhp, oid, value, value ? static_cast<sb4>(std::strlen(value)) : 0,
-                      0, type, target, &length, &indicator, &returnCode, isNull);
+    return PQ2OCIType(session.errhp, oid, value,
+                      value ? static_cast<sb4>(std::strlen(value)) : 0, 0, type, target,
+                      &length, &indicator, &returnCode, isNull);
   }
 
   Session session;
@@ -155,7 +193,8 @@ TEST_F(FromServer, UntypedLiteralsAreText) {
 TEST_F(FromServer, AliasesOfRawHaveItsRow) {
   for (const ub2 type : {1, 5, 8, 9, 15, 23, 24, 94, 95, 96, 97, 155}) {
     const auto raw =
-        GetConversionFunctionInternal(12487, type, PQToOCIConversionFunctions, 0, 249).fromServer;
+        GetConversionFunctionInternal(12487, type, PQToOCIConversionFunctions, 0, 249)
+            .fromServer;
     EXPECT_EQ(findPQToOCIConversion(12487, type, nullptr), raw);
     EXPECT_EQ(findPQToOCIConversion(12501, type, nullptr), raw);
     EXPECT_EQ(findPQToOCIConversion(12502, type, nullptr), raw);
@@ -172,11 +211,11 @@ TEST_F(FromServer, NullIsNoErrorAndTouchesNoBuffer) {
 }
 
 TEST_F(FromServer, NullNeedsNoIndicatorAndNoPair) {
-  EXPECT_EQ(PQ2OCIType(session.errhp, 99999, nullptr, 0, 0, SQLT_INT, target, &length, nullptr,
-                       nullptr, 1),
+  EXPECT_EQ(PQ2OCIType(session.errhp, 99999, nullptr, 0, 0, SQLT_INT, target, &length,
+                       nullptr, nullptr, 1),
             0);
-  EXPECT_EQ(PQ2OCIType_2(session.errhp, 99999, nullptr, 0, 0, SQLT_INT, target, &length, nullptr,
-                         &returnCode, nullptr, 1),
+  EXPECT_EQ(PQ2OCIType_2(session.errhp, 99999, nullptr, 0, 0, SQLT_INT, target, &length,
+                         nullptr, &returnCode, nullptr, 1),
             0);
   EXPECT_EQ(returnCode, 1405);
   EXPECT_EQ(session.takeRecord(), kNoRecord);
@@ -203,9 +242,9 @@ TEST_F(FromServer, BooleansConvertToNothing) {
 }
 
 TEST_F(FromServer, RowsThatTheMatrixLacks) {
-  for (const Oid oid : {16u, 19u, 22u, 24u, 27u, 28u, 29u, 30u, 600u, 601u, 602u, 603u, 604u,
-                        628u, 650u, 702u, 703u, 704u, 718u, 790u, 869u, 1083u, 1266u, 1560u,
-                        1562u}) {
+  for (const Oid oid :
+       {16u,  19u,  22u,  24u,  27u,  28u,  29u,  30u,  600u,  601u,  602u,  603u, 604u,
+        628u, 650u, 702u, 703u, 704u, 718u, 790u, 869u, 1083u, 1266u, 1560u, 1562u}) {
     EXPECT_EQ(fetch(oid, "5", SQLT_STR), -1) << oid;
     EXPECT_EQ(session.takeRecord(), 932) << oid;
   }
@@ -240,8 +279,8 @@ TEST_F(FromServer, CursorNameStaysInTheServersEncoding) {
   Session wide(OCI_UTF16);
   OCIStmt child{};
   child.handleType = HANDLE_OCIStmt;
-  EXPECT_EQ(PQ2OCIType(wide.errhp, 1790, "portal_1", 8, 0, SQLT_RSET, &child, nullptr, nullptr,
-                       nullptr, 0),
+  EXPECT_EQ(PQ2OCIType(wide.errhp, 1790, "portal_1", 8, 0, SQLT_RSET, &child, nullptr,
+                       nullptr, nullptr, 0),
             0);
   EXPECT_STREQ(child.preparedName, "portal_1");
   std::free(child.preparedName);
@@ -252,16 +291,16 @@ TEST_F(FromServer, CursorNeedsAStatement) {
   EXPECT_EQ(PQ2OCIType(session.errhp, 1790, "p", 1, 0, SQLT_RSET, wrong, nullptr, nullptr,
                        nullptr, 0),
             OCI_INVALID_HANDLE);
-  EXPECT_EQ(PQ2OCIType(session.errhp, 1790, "p", 1, 0, SQLT_RSET, nullptr, nullptr, nullptr,
-                       nullptr, 0),
+  EXPECT_EQ(PQ2OCIType(session.errhp, 1790, "p", 1, 0, SQLT_RSET, nullptr, nullptr,
+                       nullptr, nullptr, 0),
             OCI_INVALID_HANDLE);
 }
 
 TEST_F(FromServer, NullCursorLeavesTheChildAlone) {
   OCIStmt child{};
   child.handleType = HANDLE_OCIStmt;
-  EXPECT_EQ(PQ2OCIType(session.errhp, 1790, nullptr, 0, 0, SQLT_RSET, &child, nullptr, &indicator,
-                       nullptr, 1),
+  EXPECT_EQ(PQ2OCIType(session.errhp, 1790, nullptr, 0, 0, SQLT_RSET, &child, nullptr,
+                       &indicator, nullptr, 1),
             0);
   EXPECT_EQ(child.preparedName, nullptr);
   EXPECT_EQ(indicator, -1);
@@ -269,8 +308,8 @@ TEST_F(FromServer, NullCursorLeavesTheChildAlone) {
 
 TEST_F(FromServer, WithAConnectionACursorNameIsBytes) {
   length = sizeof target;
-  EXPECT_EQ(PQ2OCIType_2(session.errhp, 1790, "portal_1", 8, 0, SQLT_RSET, target, &length,
-                         &indicator, &returnCode, nullptr, 0),
+  EXPECT_EQ(PQ2OCIType_2(session.errhp, 1790, "portal_1", 8, 0, SQLT_RSET, target,
+                         &length, &indicator, &returnCode, nullptr, 0),
             0);
   EXPECT_STREQ(target, "portal_1");
   EXPECT_EQ(length, 8u);
@@ -282,10 +321,11 @@ TEST_F(FromServer, ColumnConvertsCellByCellWithOneLookup) {
     const std::string digits = std::to_string(i * 1000);
     sb4 number = 0;
     ub4 size = sizeof number;
-    EXPECT_EQ(zev::convertField(session.errhp, column,
-                                {digits.c_str(), static_cast<sb4>(digits.size()), 0, false},
-                                {&number, &size, &indicator, &returnCode}),
-              0);
+    EXPECT_EQ(
+        zev::convertField(session.errhp, column,
+                          {digits.c_str(), static_cast<sb4>(digits.size()), 0, false},
+                          {&number, &size, &indicator, &returnCode}),
+        0);
     EXPECT_EQ(number, i * 1000);
   }
 }
@@ -293,7 +333,8 @@ TEST_F(FromServer, ColumnConvertsCellByCellWithOneLookup) {
 using FromServerDeathTest = FromServer;
 
 TEST_F(FromServerDeathTest, MissingErrorHandleIsAsserted) {
-  EXPECT_EXIT(PQ2OCIType(nullptr, INT4OID, "5", 1, 0, SQLT_INT, target, &length, nullptr, nullptr, 0),
+  EXPECT_EXIT(PQ2OCIType(nullptr, INT4OID, "5", 1, 0, SQLT_INT, target, &length, nullptr,
+                         nullptr, 0),
               testing::KilledBySignal(SIGABRT), "errhndl != \\(\\(void \\*\\)0\\)");
 }
 

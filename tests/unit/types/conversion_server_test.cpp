@@ -1,4 +1,5 @@
-/// The converters against a real server: what it prints and sends is the measure of the codecs.
+/// The converters against a real server: what it prints and sends is the measure of the
+/// codecs.
 #include <cinttypes>
 
 #include "core/owned.h"
@@ -21,14 +22,16 @@ class ConversionOnServer : public testing::Test {
   zev::PgResult run(const char *sql) {
     zev::PgResult result(PQexec(conn, sql));
     const auto status = PQresultStatus(result.get());
-    EXPECT_TRUE(status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK) << PQerrorMessage(conn);
+    EXPECT_TRUE(status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK)
+        << PQerrorMessage(conn);
     return result;
   }
 
   /// The texts of what `work` sends.
   template <class Work>
   std::vector<std::string> sentBy(Work &&work) {
-    const std::string path = testing::TempDir() + "zev_types_" + std::to_string(::getpid());
+    const std::string path =
+        testing::TempDir() + "zev_types_" + std::to_string(::getpid());
     std::FILE *trace = std::fopen(path.c_str(), "w");
     PQtrace(conn, trace);
     work();
@@ -40,7 +43,8 @@ class ConversionOnServer : public testing::Test {
   }
 
   /// What the server shows of a parameter that was bound.
-  std::string shown(const char *sql, Oid type, const void *value, ub4 length, int format) {
+  std::string shown(const char *sql, Oid type, const void *value, ub4 length,
+                    int format) {
     const auto *chars = static_cast<const char *>(value);
     const int size = static_cast<int>(length);
     const zev::PgResult result(
@@ -75,9 +79,9 @@ class ConversionOnServer : public testing::Test {
     const auto result = value(sql, format);
     T out{};
     ub4 size = sizeof out;
-    EXPECT_EQ(PQ2OCIType(session.errhp, PQftype(result.get(), 0), PQgetvalue(result.get(), 0, 0),
-                         PQgetlength(result.get(), 0, 0), static_cast<ub1>(format), dty, &out,
-                         &size, nullptr, nullptr, 0),
+    EXPECT_EQ(PQ2OCIType(session.errhp, PQftype(result.get(), 0),
+                         PQgetvalue(result.get(), 0, 0), PQgetlength(result.get(), 0, 0),
+                         static_cast<ub1>(format), dty, &out, &size, nullptr, nullptr, 0),
               0)
         << sql;
     return out;
@@ -92,11 +96,12 @@ constexpr Oid kNobodysOid = 4000000000u;
 TEST_F(ConversionOnServer, UnknownTypeAsksOnceAndFails) {
   const auto sent = sentBy([&] {
     ub4 size = 0;
-    EXPECT_EQ(PQ2OCIType_2(session.errhp, kNobodysOid, "x", 1, 0, SQLT_STR, nullptr, &size,
-                           nullptr, nullptr, conn, 0),
+    EXPECT_EQ(PQ2OCIType_2(session.errhp, kNobodysOid, "x", 1, 0, SQLT_STR, nullptr,
+                           &size, nullptr, nullptr, conn, 0),
               -1);
   });
-  EXPECT_EQ(sent, std::vector<std::string>{"select oid from pg_type where typname = 'raw';"});
+  EXPECT_EQ(sent,
+            std::vector<std::string>{"select oid from pg_type where typname = 'raw';"});
   EXPECT_EQ(session.takeRecord(), 932);
 }
 
@@ -115,8 +120,8 @@ TEST_F(ConversionOnServer, KnownTypeAsksNobody) {
   const auto sent = sentBy([&] {
     sb4 number = 0;
     ub4 size = sizeof number;
-    EXPECT_EQ(PQ2OCIType_2(session.errhp, INT4OID, "5", 1, 0, SQLT_INT, &number, &size, nullptr,
-                           nullptr, conn, 0),
+    EXPECT_EQ(PQ2OCIType_2(session.errhp, INT4OID, "5", 1, 0, SQLT_INT, &number, &size,
+                           nullptr, nullptr, conn, 0),
               0);
     EXPECT_EQ(number, 5);
   });
@@ -125,8 +130,8 @@ TEST_F(ConversionOnServer, KnownTypeAsksNobody) {
 
 TEST_F(ConversionOnServer, NullOfAnUnknownTypeAsksNobody) {
   const auto sent = sentBy([&] {
-    EXPECT_EQ(PQ2OCIType_2(session.errhp, kNobodysOid, nullptr, 0, 0, SQLT_STR, nullptr, nullptr,
-                           nullptr, nullptr, conn, 1),
+    EXPECT_EQ(PQ2OCIType_2(session.errhp, kNobodysOid, nullptr, 0, 0, SQLT_STR, nullptr,
+                           nullptr, nullptr, nullptr, conn, 1),
               0);
   });
   EXPECT_TRUE(sent.empty());
@@ -138,10 +143,12 @@ TEST_F(ConversionOnServer, RawTypeOfAnotherNumberHasTheRowOfRaw) {
     run("CREATE TYPE raw AS ENUM ('x')");
   }
   const auto found = run("select oid from pg_type where typname = 'raw'");
-  const auto oid = static_cast<Oid>(std::strtoul(PQgetvalue(found.get(), 0, 0), nullptr, 10));
+  const auto oid =
+      static_cast<Oid>(std::strtoul(PQgetvalue(found.get(), 0, 0), nullptr, 10));
   ASSERT_NE(IsValidPQDataType(oid), 0);
   for (const ub2 type : {SQLT_BIN, SQLT_STR, SQLT_VBI, SQLT_INT}) {
-    EXPECT_EQ(findPQToOCIConversion(oid, type, conn), findPQToOCIConversion(12487, type, nullptr));
+    EXPECT_EQ(findPQToOCIConversion(oid, type, conn),
+              findPQToOCIConversion(12487, type, nullptr));
   }
   EXPECT_EQ(findPQToOCIConversion(oid, SQLT_BIN, nullptr), nullptr);
   run("ROLLBACK");
@@ -161,7 +168,8 @@ TEST_F(ConversionOnServer, DescribedParametersGoByTheServer) {
   stmt.pgResult = described.get();
   EXPECT_EQ(GetParamType(&stmt, 1, SQLT_STR, 10), Oid{INT2OID});
   EXPECT_EQ(GetParamType(&stmt, 2, SQLT_INT, 4), Oid{TEXTOID});
-  EXPECT_EQ(GetParamType(&stmt, 0, SQLT_INT, 4), Oid{INT4OID}) << "no position, no description";
+  EXPECT_EQ(GetParamType(&stmt, 0, SQLT_INT, 4), Oid{INT4OID})
+      << "no position, no description";
 }
 
 TEST_F(ConversionOnServer, BoundValuesAreWhatTheServerReads) {
@@ -188,14 +196,16 @@ TEST_F(ConversionOnServer, BoundValuesAreWhatTheServerReads) {
 
 std::string randomNumber(std::mt19937_64 &random) {
   std::string number = random() % 2 ? "-" : "";
-  for (std::size_t n = 1 + random() % 40; n > 0; --n) number += static_cast<char>('0' + random() % 10);
+  for (std::size_t n = 1 + random() % 40; n > 0; --n)
+    number += static_cast<char>('0' + random() % 10);
   if (random() % 4 != 0) {
     number += '.';
     for (std::size_t n = random() % 40; n > 0; --n) {
       number += random() % 3 ? static_cast<char>('0' + random() % 10) : '0';
     }
   }
-  if (random() % 3 == 0) number += "e" + std::to_string(static_cast<int>(random() % 60) - 30);
+  if (random() % 3 == 0)
+    number += "e" + std::to_string(static_cast<int>(random() % 60) - 30);
   return number;
 }
 
@@ -205,12 +215,13 @@ TEST_F(ConversionOnServer, RandomNumericsAreTheServersInBothDirections) {
     const std::string number = randomNumber(random);
     SCOPED_TRACE(number);
     const auto binary = value("select '" + number + "'::numeric", 1);
-    const std::string text = PQgetvalue(value("select '" + number + "'::numeric", 0).get(), 0, 0);
+    const std::string text =
+        PQgetvalue(value("select '" + number + "'::numeric", 0).get(), 0, 0);
     char target[400];
     ub4 size = sizeof target;
     ASSERT_EQ(ConvertNUMERICOIDToSQLT_STR(session.errhp, PQgetvalue(binary.get(), 0, 0),
-                                          PQgetlength(binary.get(), 0, 0), 1, target, &size,
-                                          nullptr, nullptr),
+                                          PQgetlength(binary.get(), 0, 0), 1, target,
+                                          &size, nullptr, nullptr),
               0);
     ASSERT_EQ(target, text);
 
@@ -231,8 +242,8 @@ TEST_F(ConversionOnServer, RandomNumericsRoundAsTheServerDoes) {
     const std::string number = randomNumber(random);
     const int dscale = static_cast<int>(random() % 45);
     SCOPED_TRACE(number + " to " + std::to_string(dscale));
-    const auto rounded =
-        value("select round('" + number + "'::numeric, " + std::to_string(dscale) + ")", 0);
+    const auto rounded = value(
+        "select round('" + number + "'::numeric, " + std::to_string(dscale) + ")", 0);
     numeric *record = nullptr;
     ASSERT_EQ(ConvertStringToNumeric(number.c_str(), &record), 0);
     const zev::Malloced<numeric> owned(record);
@@ -249,8 +260,10 @@ TEST_F(ConversionOnServer, IntegersOfBothFormats) {
   for (const int format : {0, 1}) {
     EXPECT_EQ(fetched<sb2>("select (-32768)::int2", format, SQLT_INT), -32768);
     EXPECT_EQ(fetched<sb4>("select (-2147483648)::int4", format, SQLT_INT), SB4MINVAL);
-    EXPECT_EQ(fetched<sb8>("select (-9223372036854775808)::int8", format, SQLT_INT), INT64_MIN);
-    EXPECT_EQ(fetched<sb8>("select 9223372036854775807::numeric", format, SQLT_INT), INT64_MAX);
+    EXPECT_EQ(fetched<sb8>("select (-9223372036854775808)::int8", format, SQLT_INT),
+              INT64_MIN);
+    EXPECT_EQ(fetched<sb8>("select 9223372036854775807::numeric", format, SQLT_INT),
+              INT64_MAX);
     EXPECT_EQ(fetched<double>("select (-0.1)::float8", format, SQLT_FLT), -0.1);
     EXPECT_EQ(fetched<double>("select 12.5::numeric", format, SQLT_FLT), 12.5);
     EXPECT_EQ(fetched<double>("select 7::int2", format, SQLT_FLT), 7);

@@ -17,7 +17,9 @@ struct Expected {
 };
 
 /// The function of that name, or null while it does not exist.
-void *functionNamed(const std::string &name) { return ::dlsym(RTLD_DEFAULT, name.c_str()); }
+void *functionNamed(const std::string &name) {
+  return ::dlsym(RTLD_DEFAULT, name.c_str());
+}
 
 template <class Function>
 void *address(Function *function) {
@@ -32,19 +34,23 @@ void addRow(std::vector<Expected> &out, ub4 oid, const std::string &family,
   std::string suffix;
   while (in >> code >> suffix) {
     const bool whole = suffix.find("ToSQLT_") != suffix.npos;
-    out.push_back({oid, code, "Convert" + (whole ? suffix : family + "ToSQLT_" + suffix)});
+    out.push_back(
+        {oid, code, "Convert" + (whole ? suffix : family + "ToSQLT_" + suffix)});
   }
 }
 
 std::vector<Expected> expectedFetches() {
   const char *numbers =
-      "1 CHR 2 NUM 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 21 BFLOAT 22 BDOUBLE 68 UIN 94 LVC "
+      "1 CHR 2 NUM 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 21 BFLOAT 22 BDOUBLE 68 UIN 94 "
+      "LVC "
       "96 AFC 97 AVC 155 VST";
   const char *numeric =
-      "1 CHR 2 VNU 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 21 BFLOAT 22 BDOUBLE 68 UIN 94 LVC "
+      "1 CHR 2 VNU 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 21 BFLOAT 22 BDOUBLE 68 UIN 94 "
+      "LVC "
       "96 AFC 97 AVC 155 VST";
   const char *characters =
-      "1 CHR 2 NUM 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 12 DAT 15 VBI 21 BFLOAT 22 BDOUBLE "
+      "1 CHR 2 NUM 3 INT 4 FLT 5 STR 6 VNU 8 LNG 9 VCS 12 DAT 15 VBI 21 BFLOAT 22 "
+      "BDOUBLE "
       "23 BIN 24 LBI 68 UIN 94 LVC 95 LVB 96 CHR 97 AVC 155 VST 156 ODT 184 DATE "
       "187 TIMESTAMP 188 TIMESTAMP_TZ 232 TIMESTAMP_TZ";
   const char *binary =
@@ -152,20 +158,21 @@ TEST(ConversionTables, ConvertersAreFoundByTheirNames) {
   EXPECT_EQ(functionNamed("ConvertTEXTOIDToSQLT_STR"), address(ConvertTEXTOIDToSQLT_STR));
   EXPECT_EQ(functionNamed("ConvertSQLT_VCSToTEXTOID"), address(ConvertSQLT_VCSToTEXTOID));
   int built = 0;
-  for (const auto &entry : PQToOCIConversionFunctions) built += entry.converter.fromServer != nullptr;
+  for (const auto &entry : PQToOCIConversionFunctions)
+    built += entry.converter.fromServer != nullptr;
   EXPECT_GE(built, 20 + 3 * 5 + 1);
 }
 
 TEST(ConversionTables, SearchFindsEveryEntry) {
   for (const auto &e : PQToOCIConversionFunctions) {
-    EXPECT_EQ(GetConversionFunctionInternal(e.firstKey, e.secondKey, PQToOCIConversionFunctions,
-                                            0, 249)
+    EXPECT_EQ(GetConversionFunctionInternal(e.firstKey, e.secondKey,
+                                            PQToOCIConversionFunctions, 0, 249)
                   .fromServer,
               e.converter.fromServer);
   }
   for (const auto &e : OCIToPQConversionFunctions) {
-    EXPECT_EQ(GetConversionFunctionInternal(e.firstKey, e.secondKey, OCIToPQConversionFunctions,
-                                            0, 37)
+    EXPECT_EQ(GetConversionFunctionInternal(e.firstKey, e.secondKey,
+                                            OCIToPQConversionFunctions, 0, 37)
                   .toServer,
               e.converter.toServer);
   }
@@ -179,17 +186,19 @@ TEST(ConversionTables, SearchAgreesWithAWalkForAllSmallKeys) {
         if (e.firstKey == oid && e.secondKey == code) walked = e.converter.fromServer;
         if (e.firstKey > oid) break;
       }
-      ASSERT_EQ(GetConversionFunctionInternal(oid, code, PQToOCIConversionFunctions, 0, 249)
-                    .fromServer,
-                walked)
+      ASSERT_EQ(
+          GetConversionFunctionInternal(oid, code, PQToOCIConversionFunctions, 0, 249)
+              .fromServer,
+          walked)
           << oid << " " << code;
     }
   }
 }
 
 TEST(ConversionTables, SearchOfAnEmptyRangeFindsNothing) {
-  EXPECT_EQ(GetConversionFunctionInternal(17, 1, PQToOCIConversionFunctions, 1, 0).fromServer,
-            nullptr);
+  EXPECT_EQ(
+      GetConversionFunctionInternal(17, 1, PQToOCIConversionFunctions, 1, 0).fromServer,
+      nullptr);
 }
 
 TEST(ConversionTables, ComparisonTellsTheKeyThatDiffers) {

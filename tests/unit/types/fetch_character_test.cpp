@@ -23,13 +23,22 @@ class FetchCharacterUtf16Plain : public FetchCharacterUtf16 {
   void SetUp() override { session.env->oracleVarchars = 0; }
 };
 
-TEST_P(FetchCharacter, Arrives) { expectFetch(session, GetParam()); }
-TEST_P(FetchCharacterPlain, Arrives) { expectFetch(session, GetParam()); }
-TEST_P(FetchCharacterUtf16, Arrives) { expectFetch(session, GetParam()); }
-TEST_P(FetchCharacterUtf16Plain, Arrives) { expectFetch(session, GetParam()); }
+TEST_P(FetchCharacter, Arrives) {
+  expectFetch(session, GetParam());
+}
+TEST_P(FetchCharacterPlain, Arrives) {
+  expectFetch(session, GetParam());
+}
+TEST_P(FetchCharacterUtf16, Arrives) {
+  expectFetch(session, GetParam());
+}
+TEST_P(FetchCharacterUtf16Plain, Arrives) {
+  expectFetch(session, GetParam());
+}
 
 const Oid kText = TEXTOID, kBpchar = 1042, kVarchar = 1043;
-const ub2 kChr = SQLT_CHR, kStr = SQLT_STR, kAfc = SQLT_AFC, kInt = SQLT_INT, kFlt = SQLT_FLT;
+const ub2 kChr = SQLT_CHR, kStr = SQLT_STR, kAfc = SQLT_AFC, kInt = SQLT_INT,
+          kFlt = SQLT_FLT;
 const std::string kLong(70000, 'x');
 
 // clang-format off
@@ -135,14 +144,14 @@ INSTANTIATE_TEST_SUITE_P(Flt, FetchCharacter, testing::Values(
 TEST_F(FetchCharacterUtf16, FailedConversionIsToldByItsKind) {
   char target[8];
   ub4 length = sizeof target;
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, "a\xE2", 2, 0, target, &length, nullptr,
-                                     nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, "a\xE2", 2, 0, target, &length,
+                                     nullptr, nullptr),
             -1);
   session.takeRecord();
   EXPECT_EQ(session.lastMessage,
             "An incomplete multibyte sequence has been encountered in the input");
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, "a\xFF", 2, 0, target, &length, nullptr,
-                                     nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, "a\xFF", 2, 0, target, &length,
+                                     nullptr, nullptr),
             -1);
   session.takeRecord();
   EXPECT_EQ(session.lastMessage,
@@ -152,14 +161,14 @@ TEST_F(FetchCharacterUtf16, FailedConversionIsToldByItsKind) {
 TEST_F(FetchCharacterPlain, MissingValueIsAnEmptyText) {
   char target[4] = {'~', '~', '~', '~'};
   ub4 length = sizeof target;
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, nullptr, 0, 0, target, &length, nullptr,
-                                     nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_CHR(session.errhp, nullptr, 0, 0, target, &length,
+                                     nullptr, nullptr),
             0);
   EXPECT_EQ(std::string(target, 4), "    ");
   EXPECT_EQ(length, 0u);
   length = sizeof target;
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_STR(session.errhp, nullptr, 0, 0, target, &length, nullptr,
-                                     nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_STR(session.errhp, nullptr, 0, 0, target, &length,
+                                     nullptr, nullptr),
             0);
   EXPECT_STREQ(target, "");
   EXPECT_EQ(length, 0u);
@@ -176,11 +185,11 @@ TEST_F(FetchCharacter, NumbersLeaveNoErrnoBehind) {
   double number = 0;
   ub4 length = sizeof number;
   errno = 0;
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_FLT(session.errhp, "1e400", 5, 0, &number, &length, nullptr,
-                                     nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_FLT(session.errhp, "1e400", 5, 0, &number, &length,
+                                     nullptr, nullptr),
             -1);
-  EXPECT_EQ(ConvertTEXTOIDToSQLT_INT(session.errhp, "99999999999999999999", 20, 0, &number,
-                                     &length, nullptr, nullptr),
+  EXPECT_EQ(ConvertTEXTOIDToSQLT_INT(session.errhp, "99999999999999999999", 20, 0,
+                                     &number, &length, nullptr, nullptr),
             -1);
   EXPECT_EQ(errno, 0);
   EXPECT_EQ(session.takeRecord(), 1426);

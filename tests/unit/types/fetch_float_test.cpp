@@ -10,7 +10,9 @@ class FetchFloat : public testing::TestWithParam<FetchCase> {
   Session session;
 };
 
-TEST_P(FetchFloat, Arrives) { expectFetch(session, GetParam()); }
+TEST_P(FetchFloat, Arrives) {
+  expectFetch(session, GetParam());
+}
 
 const Oid kFloat8 = FLOAT8OID;
 const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
@@ -66,7 +68,8 @@ TEST_F(FetchFloat, RandomDoublesArriveWhole) {
     if (std::isnan(value)) continue;
     std::snprintf(number, sizeof number, "%.17g", value);
     expectFetch(session, {"text", kFloat8, kFlt, 0, number, 8, native(value), 8});
-    expectFetch(session, {"binary", kFloat8, kFlt, 1, network(value), 8, native(value), 8});
+    expectFetch(session,
+                {"binary", kFloat8, kFlt, 1, network(value), 8, native(value), 8});
   }
 }
 

@@ -8,7 +8,9 @@ class FetchInteger : public testing::TestWithParam<FetchCase> {
   Session session;
 };
 
-TEST_P(FetchInteger, Arrives) { expectFetch(session, GetParam()); }
+TEST_P(FetchInteger, Arrives) {
+  expectFetch(session, GetParam());
+}
 
 const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID;
 const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
@@ -122,7 +124,8 @@ TEST_F(FetchInteger, MissingValueIsNull) {
     double target = 0;
     ub4 length = sizeof target;
     sb2 indicator = 0;
-    EXPECT_EQ(convert(session.errhp, nullptr, 5, 1, &target, &length, &indicator, nullptr), 0);
+    EXPECT_EQ(
+        convert(session.errhp, nullptr, 5, 1, &target, &length, &indicator, nullptr), 0);
     EXPECT_EQ(indicator, -1);
   }
 }

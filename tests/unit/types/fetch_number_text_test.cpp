@@ -8,7 +8,9 @@ class FetchNumberText : public testing::TestWithParam<FetchCase> {
   Session session;
 };
 
-TEST_P(FetchNumberText, Arrives) { expectFetch(session, GetParam()); }
+TEST_P(FetchNumberText, Arrives) {
+  expectFetch(session, GetParam());
+}
 
 const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID, kFloat8 = FLOAT8OID,
           kNumeric = NUMERICOID;
@@ -159,10 +161,12 @@ TEST_F(FetchNumberText, MissingValueIsNull) {
     ub4 length = sizeof target;
     sb2 indicator = 0;
     ub2 code = 0;
-    EXPECT_EQ(convert(session.errhp, nullptr, 5, 0, target, &length, &indicator, &code), 0);
+    EXPECT_EQ(convert(session.errhp, nullptr, 5, 0, target, &length, &indicator, &code),
+              0);
     EXPECT_EQ(indicator, -1);
     EXPECT_EQ(code, 1405);
-    EXPECT_EQ(convert(session.errhp, nullptr, 5, 0, target, &length, nullptr, nullptr), 1);
+    EXPECT_EQ(convert(session.errhp, nullptr, 5, 0, target, &length, nullptr, nullptr),
+              1);
     EXPECT_EQ(session.takeRecord(), 1405);
   }
 }
@@ -173,8 +177,8 @@ TEST_F(FetchNumberText, BinaryNumericsKeepTheFieldAsItWas) {
   for (int i = 0; i < 2; ++i) {
     ub4 length = sizeof target;
     EXPECT_EQ(ConvertNUMERICOIDToSQLT_STR(session.errhp, field.get(),
-                                          static_cast<sb4>(kMinus1234_5.size()), 1, target,
-                                          &length, nullptr, nullptr),
+                                          static_cast<sb4>(kMinus1234_5.size()), 1,
+                                          target, &length, nullptr, nullptr),
               0);
     EXPECT_STREQ(target, "-1234.5");
   }
@@ -183,13 +187,15 @@ TEST_F(FetchNumberText, BinaryNumericsKeepTheFieldAsItWas) {
 TEST_F(FetchNumberText, RandomIntegersArriveAsTheyWere) {
   auto random = generator();
   for (int i = 0; i < 20000; ++i) {
-    const std::string digits = std::to_string(static_cast<sb4>(random()) >> (random() % 32));
+    const std::string digits =
+        std::to_string(static_cast<sb4>(random()) >> (random() % 32));
     const auto length = static_cast<ub4>(digits.size());
     for (const Oid oid : {kInt2, kInt4, kInt8, kNumeric}) {
       expectFetch(session, {"CHR", oid, kChr, 0, digits, 20,
                             digits + std::string(20 - digits.size(), ' '), length});
-      expectFetch(session, {"STR", oid, kStr, 0, digits, 20,
-                            digits + '\0' + std::string(19 - digits.size(), '~'), length});
+      expectFetch(session,
+                  {"STR", oid, kStr, 0, digits, 20,
+                   digits + '\0' + std::string(19 - digits.size(), '~'), length});
     }
   }
 }

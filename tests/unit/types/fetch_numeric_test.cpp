@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "types_fixture.h"
 #include "types/numeric.h"
+#include "types_fixture.h"
 
 namespace zevtest {
 namespace {
@@ -11,7 +11,9 @@ class FetchNumeric : public testing::TestWithParam<FetchCase> {
   Session session;
 };
 
-TEST_P(FetchNumeric, Arrives) { expectFetch(session, GetParam()); }
+TEST_P(FetchNumeric, Arrives) {
+  expectFetch(session, GetParam());
+}
 
 const Oid kNumeric = NUMERICOID;
 const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
@@ -76,12 +78,12 @@ TEST_F(FetchNumeric, AnOldRangeErrorDoesNotCountAndNoneIsLeft) {
   double number = 0;
   ub4 length = sizeof number;
   errno = ERANGE;
-  EXPECT_EQ(ConvertNUMERICOIDToSQLT_FLT(session.errhp, "1.5", 3, 0, &number, &length, nullptr,
-                                        nullptr),
+  EXPECT_EQ(ConvertNUMERICOIDToSQLT_FLT(session.errhp, "1.5", 3, 0, &number, &length,
+                                        nullptr, nullptr),
             0);
   errno = 0;
-  EXPECT_EQ(ConvertNUMERICOIDToSQLT_FLT(session.errhp, "1e-400", 6, 0, &number, &length, nullptr,
-                                        nullptr),
+  EXPECT_EQ(ConvertNUMERICOIDToSQLT_FLT(session.errhp, "1e-400", 6, 0, &number, &length,
+                                        nullptr, nullptr),
             1);
   EXPECT_EQ(errno, 0);
   EXPECT_EQ(session.takeRecord(), 1426);

@@ -115,7 +115,9 @@ TEST(Atoi64, PlusEndsTheScan) {
   EXPECT_EQ(atoi64("12+5"), 12);
 }
 
-TEST(Atoi64, Wraps) { EXPECT_EQ(atoi64("18446744073709551617"), 1); }
+TEST(Atoi64, Wraps) {
+  EXPECT_EQ(atoi64("18446744073709551617"), 1);
+}
 
 std::string printed(double x, sb4 precision, boolean trim = TRUE) {
   char out[100];
@@ -197,12 +199,34 @@ void expectLikeStrtod(const std::string &number) {
 }
 
 TEST(ParseLong, FormsOfIntegers) {
-  for (const char *s :
-       {"", "0", "-0", "+5", " 5", "\t\n\v\f\r 5", "5 ", "12.5", "abc", "-", "+", "--5", "-+5",
-        "2147483647", "2147483648", "-2147483648", "9223372036854775807",
-        "9223372036854775808", "-9223372036854775808", "-9223372036854775809",
-        "99999999999999999999999", "000000000000000000000005", "0x10", "1e5", "123456789012345678",
-        "1234567890123456789", "-123456789012345678", "-1234567890123456789"}) {
+  for (const char *s : {"",
+                        "0",
+                        "-0",
+                        "+5",
+                        " 5",
+                        "\t\n\v\f\r 5",
+                        "5 ",
+                        "12.5",
+                        "abc",
+                        "-",
+                        "+",
+                        "--5",
+                        "-+5",
+                        "2147483647",
+                        "2147483648",
+                        "-2147483648",
+                        "9223372036854775807",
+                        "9223372036854775808",
+                        "-9223372036854775808",
+                        "-9223372036854775809",
+                        "99999999999999999999999",
+                        "000000000000000000000005",
+                        "0x10",
+                        "1e5",
+                        "123456789012345678",
+                        "1234567890123456789",
+                        "-123456789012345678",
+                        "-1234567890123456789"}) {
     expectLikeStrtol(s);
   }
 }
@@ -212,7 +236,8 @@ TEST(ParseLong, RandomText) {
   const std::string alphabet = "0123456789012345678901234567890123456789-+. \tex";
   for (int i = 0; i < 200000; ++i) {
     std::string number;
-    for (std::size_t n = random() % 24; n > 0; --n) number += alphabet[random() % alphabet.size()];
+    for (std::size_t n = random() % 24; n > 0; --n)
+      number += alphabet[random() % alphabet.size()];
     expectLikeStrtol(number);
   }
 }
@@ -234,18 +259,69 @@ TEST(ParseLong, OldErrnoStays) {
 }
 
 TEST(ParseDouble, FormsOfNumbers) {
-  for (const char *s :
-       {"", "0", "-0", "-0.0", "+5", " 5", "5 ", "1.5", "1,5", "1.", ".5", "-.5", ".", "-", "1e5",
-        "1e+5", "1E-5", "1e", "1e+", "1ex", "0x10", "0X1p-3", "0x", "0x.8", "00x1", "inf",
-        "-Infinity", "INF", "infinit", "nan", "NaN", "-nan", "nan(1)", "nan(", "1e400", "-1e400",
-        "1e308", "1.7976931348623157e308", "1.7976931348623159e308", "1e-310", "5e-324",
-        "2e-324", "1e-400", "2.2250738585072014e-308", "2.2250738585072011e-308", "0e999999999999",
-        "1e99999999999999999999", "1e-99999999999999999999", "123456789012345678901234567890",
-        "0.1", "0.30000000000000004", "9007199254740993", "1..5", "1.5.5", "--1", "0.000",
-        "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649"
-        "017977587207096330286416692887910946555547851940402630657488671505820681908902000708383"
-        "676273854845817711531764475730270069855571366959622842914819860834936475292719074168444"
-        "365510704342711559699508093042880"}) {
+  for (const char *s : {"",
+                        "0",
+                        "-0",
+                        "-0.0",
+                        "+5",
+                        " 5",
+                        "5 ",
+                        "1.5",
+                        "1,5",
+                        "1.",
+                        ".5",
+                        "-.5",
+                        ".",
+                        "-",
+                        "1e5",
+                        "1e+5",
+                        "1E-5",
+                        "1e",
+                        "1e+",
+                        "1ex",
+                        "0x10",
+                        "0X1p-3",
+                        "0x",
+                        "0x.8",
+                        "00x1",
+                        "inf",
+                        "-Infinity",
+                        "INF",
+                        "infinit",
+                        "nan",
+                        "NaN",
+                        "-nan",
+                        "nan(1)",
+                        "nan(",
+                        "1e400",
+                        "-1e400",
+                        "1e308",
+                        "1.7976931348623157e308",
+                        "1.7976931348623159e308",
+                        "1e-310",
+                        "5e-324",
+                        "2e-324",
+                        "1e-400",
+                        "2.2250738585072014e-308",
+                        "2.2250738585072011e-308",
+                        "0e999999999999",
+                        "1e99999999999999999999",
+                        "1e-99999999999999999999",
+                        "123456789012345678901234567890",
+                        "0.1",
+                        "0.30000000000000004",
+                        "9007199254740993",
+                        "1..5",
+                        "1.5.5",
+                        "--1",
+                        "0.000",
+                        "1797693134862315807937289714053034150799341327100378269361737789"
+                        "80444968292764750946649"
+                        "0179775872070963302864166928879109465555478519404026306574886715"
+                        "05820681908902000708383"
+                        "6762738548458177115317644757302700698555713669596228429148198608"
+                        "34936475292719074168444"
+                        "365510704342711559699508093042880"}) {
     expectLikeStrtod(s);
   }
 }
@@ -255,7 +331,8 @@ TEST(ParseDouble, RandomDoublesAsAServerPrintsThem) {
   char number[64];
   for (int i = 0; i < 200000; ++i) {
     const auto value = std::bit_cast<double>(random());
-    std::snprintf(number, sizeof number, "%.*g", static_cast<int>(1 + random() % 17), value);
+    std::snprintf(number, sizeof number, "%.*g", static_cast<int>(1 + random() % 17),
+                  value);
     expectLikeStrtod(number);
   }
 }
@@ -265,7 +342,8 @@ TEST(ParseDouble, RandomDecimals) {
   for (int i = 0; i < 200000; ++i) {
     std::string number = std::to_string(static_cast<sb8>(random()) >> (random() % 64));
     if (random() % 2) number.insert(1 + random() % number.size(), ".");
-    if (random() % 4 == 0) number += "e" + std::to_string(static_cast<int>(random() % 700) - 350);
+    if (random() % 4 == 0)
+      number += "e" + std::to_string(static_cast<int>(random() % 700) - 350);
     expectLikeStrtod(number);
   }
 }
@@ -275,7 +353,8 @@ TEST(ParseDouble, RandomText) {
   const std::string alphabet = "01234567890123456789.-+eExX ,infany()";
   for (int i = 0; i < 200000; ++i) {
     std::string number;
-    for (std::size_t n = random() % 12; n > 0; --n) number += alphabet[random() % alphabet.size()];
+    for (std::size_t n = random() % 12; n > 0; --n)
+      number += alphabet[random() % alphabet.size()];
     expectLikeStrtod(number);
   }
 }
@@ -291,8 +370,8 @@ TEST(CleanErrno, HidesWhatWasThereAndWhatComes) {
   errno = 0;
 }
 
-/// Switches the process to a locale whose decimal point is a comma, made on the spot if the
-/// system has none.
+/// Switches the process to a locale whose decimal point is a comma, made on the spot if
+/// the system has none.
 class CommaLocale : public testing::Test {
  protected:
   void SetUp() override {
@@ -307,7 +386,8 @@ class CommaLocale : public testing::Test {
         "localedef -c -i " + folder_ + "/source " + folder_ + "/comma_XX >/dev/null 2>&1";
     std::ignore = std::system(command.c_str());
     ::setenv("LOCPATH", folder_.c_str(), 1);
-    ASSERT_TRUE(adopt("comma_XX")) << "no locale with a decimal comma, and localedef made none";
+    ASSERT_TRUE(adopt("comma_XX"))
+        << "no locale with a decimal comma, and localedef made none";
   }
   void TearDown() override {
     std::setlocale(LC_ALL, "C");
@@ -321,10 +401,13 @@ class CommaLocale : public testing::Test {
   static bool adopt(const char *name) {
     return std::setlocale(LC_NUMERIC, name) && *std::localeconv()->decimal_point == ',';
   }
-  std::string folder_ = testing::TempDir() + "zev_comma_locale_" + std::to_string(::getpid());
+  std::string folder_ =
+      testing::TempDir() + "zev_comma_locale_" + std::to_string(::getpid());
 };
 
-TEST_F(CommaLocale, TheLocaleIsInForce) { EXPECT_EQ(std::strtod("1.5", nullptr), 1); }
+TEST_F(CommaLocale, TheLocaleIsInForce) {
+  EXPECT_EQ(std::strtod("1.5", nullptr), 1);
+}
 
 TEST_F(CommaLocale, NumbersAreReadWithAPoint) {
   for (const char *s : {"1.5", " 1.5", "+1.5", "1.5e-310", "0x1.8p0"}) {
@@ -342,9 +425,8 @@ TEST_F(CommaLocale, FetchesReadWithAPoint) {
 }
 
 TEST_F(CommaLocale, BinaryNumericsPrintWithAPoint) {
-  const std::string wire =
-      network<sb2>(2) + network<sb2>(0) + network<sb2>(0) + network<sb2>(1) + network<sb2>(12) +
-      network<sb2>(5000);
+  const std::string wire = network<sb2>(2) + network<sb2>(0) + network<sb2>(0) +
+                           network<sb2>(1) + network<sb2>(12) + network<sb2>(5000);
   expectFetch(session, {"", NUMERICOID, SQLT_STR, 1, wire, 8, "12.5\0~~~"s, 4});
   expectFetch(session, {"", NUMERICOID, SQLT_FLT, 1, wire, 8, native(12.5), 8});
 }

@@ -42,7 +42,10 @@ std::string digitsOf(const numeric *v) {
 
 /// "weight sign dscale: digits".
 std::string shape(const numeric *v) {
-  return std::to_string(v->weight) + " " + (v->sign == 0xC000 ? "NaN" : v->sign ? "-" : "+") +
+  return std::to_string(v->weight) + " " +
+         (v->sign == 0xC000 ? "NaN"
+          : v->sign         ? "-"
+                            : "+") +
          " " + std::to_string(v->dscale) + ": " + digitsOf(v);
 }
 
@@ -129,7 +132,8 @@ struct Decimal {
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
     if (digits.empty()) digits = "0";
     const bool zero = (integer + fraction).find_first_not_of('0') == std::string::npos;
-    return (negative && !zero ? "-" : "") + digits + (fraction.empty() ? "" : "." + fraction);
+    return (negative && !zero ? "-" : "") + digits +
+           (fraction.empty() ? "" : "." + fraction);
   }
 };
 
@@ -148,8 +152,8 @@ TEST(NumericFromText, RandomDecimalsPrintAsTheyWere) {
   auto random = generator();
   for (int i = 0; i < 50000; ++i) {
     const Decimal decimal = randomDecimal(random);
-    const std::string number = (decimal.negative ? "-" : "") + decimal.integer + "." +
-                               decimal.fraction;
+    const std::string number =
+        (decimal.negative ? "-" : "") + decimal.integer + "." + decimal.fraction;
     const Record v = parsed(number);
     ASSERT_TRUE(v) << number;
     ASSERT_EQ(v->dscale, static_cast<sb2>(decimal.fraction.size())) << number;
@@ -186,15 +190,15 @@ TEST(NumericRounding, RandomDecimalsRoundHalfUp) {
     Decimal decimal = randomDecimal(random);
     decimal.integer = "0" + decimal.integer;  // room for a carry
     const std::size_t dscale = random() % 62;
-    const Record v = parsed((decimal.negative ? "-" : "") + decimal.integer + "." +
-                            decimal.fraction);
+    const Record v =
+        parsed((decimal.negative ? "-" : "") + decimal.integer + "." + decimal.fraction);
     std::string shown = printed(v.get(), static_cast<int>(dscale));
-    // A negative number that rounds to nothing keeps its sign while its digits are cut away.
+    // A negative number that rounds to nothing keeps its sign while its digits are cut
+    // away.
     if (shown.find_first_of("123456789") == std::string::npos && shown[0] == '-') {
       shown.erase(0, 1);
     }
-    ASSERT_EQ(shown, roundedText(decimal, dscale))
-        << decimal.plain() << " to " << dscale;
+    ASSERT_EQ(shown, roundedText(decimal, dscale)) << decimal.plain() << " to " << dscale;
   }
 }
 
@@ -276,7 +280,8 @@ TEST(NumericStrip, OneDigitMovesAlone) {
 }
 
 template <class T>
-void expectInteger(const char *number, sword (*convert)(numeric *, T *), sword status, sb8 expected) {
+void expectInteger(const char *number, sword (*convert)(numeric *, T *), sword status,
+                   sb8 expected) {
   SCOPED_TRACE(number);
   const Record v = parsed(number);
   T out = 77;
@@ -356,7 +361,8 @@ TEST(NumericField, OnlyWholeRecordsAreCopied) {
                             network<sb2>(0) + network<sb2>(42);
   const auto copied = [](const std::string &bytes) {
     const auto exact = exactCopy(bytes);
-    return Record(zev::copyNumericField(exact.get(), static_cast<sb4>(bytes.size())), std::free);
+    return Record(zev::copyNumericField(exact.get(), static_cast<sb4>(bytes.size())),
+                  std::free);
   };
   ASSERT_TRUE(copied(whole));
   EXPECT_EQ(shape(copied(whole).get()), "0 + 0: 42 ");

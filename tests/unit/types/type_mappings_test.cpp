@@ -6,10 +6,10 @@
 namespace zevtest {
 namespace {
 
-const std::set<ub4> kKnown = {1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,  15,
-                              21,  22,  23,  24,  68,  91,  94,  95,  96,  97,  100, 101, 102,
-                              104, 105, 106, 108, 110, 112, 113, 114, 115, 116, 122, 155, 156,
-                              184, 185, 186, 187, 188, 189, 190, 232, 241};
+const std::set<ub4> kKnown = {1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,
+                              15,  21,  22,  23,  24,  68,  91,  94,  95,  96,  97,  100,
+                              101, 102, 104, 105, 106, 108, 110, 112, 113, 114, 115, 116,
+                              122, 155, 156, 184, 185, 186, 187, 188, 189, 190, 232, 241};
 
 TEST(TypeMappings, ExternalTypesAreKnownByTheirLow16Bits) {
   for (ub4 code = 0; code < 70000; ++code) {
@@ -21,9 +21,9 @@ TEST(TypeMappings, ExternalTypesAreKnownByTheirLow16Bits) {
 }
 
 TEST(TypeMappings, ServerTypesAreKnown) {
-  std::set<Oid> known = {600,  601,  602,  603,  604,  628,  650,  700,  701,   702,  703,
-                         704,  705,  718,  790,  869,  1042, 1043, 1082, 1083,  1114, 1184,
-                         1186, 1266, 1560, 1562, 1700, 1790, 12487, 12501};
+  std::set<Oid> known = {600,  601,  602,  603,  604,  628,  650,  700,  701,   702,
+                         703,  704,  705,  718,  790,  869,  1042, 1043, 1082,  1083,
+                         1114, 1184, 1186, 1266, 1560, 1562, 1700, 1790, 12487, 12501};
   for (Oid oid = 16; oid <= 30; ++oid) known.insert(oid);
   for (Oid oid = 0; oid < 70000; ++oid) {
     ASSERT_EQ(IsValidPQDataType(oid), known.count(oid) ? 0 : -1) << oid;
@@ -47,8 +47,8 @@ TEST(TypeMappings, NamesOfExternalTypesCoverAllCodes) {
   }
 }
 
+// clang-format off
 TEST(TypeMappings, NamesOfExternalTypesStandAtTheirCodes) {
-#define AT(code) EXPECT_STREQ(SQLTTypes[code], #code)
 #define NAMED(name) EXPECT_STREQ(SQLTTypes[name], #name)
   NAMED(SQLT_CHR); NAMED(SQLT_NUM); NAMED(SQLT_INT); NAMED(SQLT_FLT); NAMED(SQLT_STR);
   NAMED(SQLT_VNU); NAMED(SQLT_PDN); NAMED(SQLT_LNG); NAMED(SQLT_VCS); NAMED(SQLT_NON);
@@ -61,7 +61,6 @@ TEST(TypeMappings, NamesOfExternalTypesStandAtTheirCodes) {
   NAMED(SQLT_TIMESTAMP); NAMED(SQLT_TIMESTAMP_TZ); NAMED(SQLT_INTERVAL_YM);
   NAMED(SQLT_INTERVAL_DS);
 #undef NAMED
-#undef AT
 }
 
 Oid expectedParameterType(ub4 code, sb4 length) {
@@ -81,6 +80,7 @@ Oid expectedParameterType(ub4 code, sb4 length) {
     default: return static_cast<Oid>(-1);
   }
 }
+// clang-format on
 
 TEST(TypeMappings, ParameterTypeOfEveryCodeAndLength) {
   for (ub4 code = 0; code < 65536; ++code) {
@@ -120,11 +120,21 @@ TEST(TypeMappings, ReportedTypeOfEveryOid) {
     std::vector<Oid> oids;
   };
   const Row rows[] = {
-      {3, {16, 20, 21, 23}}, {23, {17}},       {1, {18, 1043, 705}}, {5, {25}},
+      {3, {16, 20, 21, 23}},
+      {23, {17}},
+      {1, {18, 1043, 705}},
+      {5, {25}},
       {108, {600, 601, 602, 603, 604, 628, 650, 718, 790, 869, 1560, 1562}},
-      {4, {700, 701}},       {156, {702, 1082}}, {96, {1042}},       {185, {1083}},
-      {187, {1114}},         {188, {1184}},    {189, {1186}},        {186, {1266}},
-      {2, {1700}},           {102, {1790}}};
+      {4, {700, 701}},
+      {156, {702, 1082}},
+      {96, {1042}},
+      {185, {1083}},
+      {187, {1114}},
+      {188, {1184}},
+      {189, {1186}},
+      {186, {1266}},
+      {2, {1700}},
+      {102, {1790}}};
   for (Oid oid = 0; oid < 13000; ++oid) {
     ub2 expected = 0;
     for (const auto &row : rows) {
@@ -142,9 +152,10 @@ TEST(TypeMappings, BooleansAreReportedAsIntegersAndFetchedAsNothing) {
 }
 
 TEST(TypeMappings, BinaryTypes) {
-  const std::set<ub2> binary = {3,   4,   6,   7,   10,  11,  12,  15,  21,  22,  23,  24,
-                                68,  91,  95,  100, 101, 102, 104, 105, 106, 108, 110, 113,
-                                114, 116, 122, 156, 184, 185, 186, 187, 188, 189, 190, 232};
+  const std::set<ub2> binary = {3,   4,   6,   7,   10,  11,  12,  15,  21,
+                                22,  23,  24,  68,  91,  95,  100, 101, 102,
+                                104, 105, 106, 108, 110, 113, 114, 116, 122,
+                                156, 184, 185, 186, 187, 188, 189, 190, 232};
   for (ub4 code = 0; code < 65536; ++code) {
     const auto type = static_cast<ub2>(code);
     ASSERT_EQ(IsBinaryDataType(type), binary.count(type) ? 1 : 0) << code;
@@ -159,12 +170,14 @@ TEST(TypeMappings, PlainCharacterTypesAreVcs) {
 }
 
 std::string serverClass(Oid oid) {
-  const std::unique_ptr<char, decltype(&std::free)> name(GetPQDatatypeName(oid), std::free);
+  const std::unique_ptr<char, decltype(&std::free)> name(GetPQDatatypeName(oid),
+                                                         std::free);
   return name.get();
 }
 
 std::string externalClass(ub2 code) {
-  const std::unique_ptr<char, decltype(&std::free)> name(GetOCIDatatypeName(code), std::free);
+  const std::unique_ptr<char, decltype(&std::free)> name(GetOCIDatatypeName(code),
+                                                         std::free);
   return name.get();
 }
 

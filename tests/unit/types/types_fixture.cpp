@@ -12,10 +12,9 @@ void zevtest::expectFetch(Session &session, const FetchCase &c) {
   ub2 returnCode = 77;
   const bool hasIndicator = c.indicator != kNoIndicator;
   errno = 0;
-  const sword result =
-      PQ2OCIType(session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()),
-                 c.format, c.dty, target.get(), &length, hasIndicator ? &indicator : nullptr,
-                 &returnCode, 0);
+  const sword result = PQ2OCIType(
+      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
+      c.dty, target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(std::string(target.get(), c.bytes.size()), c.bytes);
   EXPECT_EQ(length, c.length);
@@ -33,8 +32,8 @@ void zevtest::expectBind(Session &session, const BindCase &c) {
   ub4 length = 99;
   ub1 format = 99;
   sb2 indicator = 0;
-  const sword result = c.convert(session.errhp, value.get(), c.length, &indicator, &out,
-                                 &length, &format);
+  const sword result =
+      c.convert(session.errhp, value.get(), c.length, &indicator, &out, &length, &format);
   const std::unique_ptr<void, decltype(&std::free)> owned(out, std::free);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(out == nullptr, c.isNull || c.result < 0);
