@@ -77,7 +77,8 @@ void Free_OCIError(OCIError *errhp) {
 const char *oci_gettext(const char *text) { return dcgettext(nullptr, text, LC_MESSAGES); }
 
 void ClearErrorHandle(OCIError *errhp) {
-  if (!zev::asError(errhp) || !errhp->records) return;
+  if (!zev::asError(errhp)) return;
+  errhp->noticeStatus = OCI_SUCCESS;
   for (ErrorRecord *record : zev::Elements<ErrorRecord>(errhp->records)) {
     if (record->content & kHasMsg) std::free(record->msg);
     if (record->content & kHasPgMsg) std::free(record->pg_msg);

@@ -87,7 +87,7 @@ sword executePlain(const Execution &x) {
   }
   zev::holdResult(stmt, std::move(result));
   if (commitsItself(stmt->stmtType)) COMMIT_TRANSACTION(x.server->conn);
-  return OCI_SUCCESS;
+  return zev::takeNotice(x.errhp) ? OCI_SUCCESS_WITH_INFO : OCI_SUCCESS;
 }
 
 sword executeByType(const Execution &x) {
