@@ -15,6 +15,9 @@ struct TextEnvironment {
       : env(parentEnv(errhp)), emptyIsNull(env && env->oracleVarchars) {}
   const OCIEnv *env;
   bool emptyIsNull;
+
+  /// Whether text changes its bytes on the way to the program.
+  bool converts() const { return env && env->utf16; }
 };
 
 std::string_view fieldText(const void *value, sb4 valueLength) {
@@ -106,7 +109,13 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
   const ub4 cap = *targetLength;
   const auto *source = value ? static_cast<const char *>(value) : "";
   const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
-  // The NUL behind the field is part of what is delivered.
+  // The NUL behind the field is part of what is delivered. Where it fits as it stands, that is
+  // all there is to do.
+  if (length < cap && !environment.converts()) {
+    zev::copyBytes(target, source, length + 1);
+    *targetLength = static_cast<ub4>(std::strlen(source));
+    return 0;
+  }
   const zev::EdgeResult converted(environment.env, source, length + 1);
   if (!converted) return converted.fail(errhp);
   const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
