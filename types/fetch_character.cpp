@@ -35,24 +35,12 @@ bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
 
 /// Stores an integer that was read from a text.
 sword storeFromText(OCIError *errhp, long value, void *target, ub4 *targetLength) {
-  bool fitted = true;
-  switch (*targetLength) {
-    case 1:
-      fitted = storeLow<sb1>(target, value);
-      break;
-    case 2:
-      fitted = storeLow<sb2>(target, value);
-      break;
-    case 4:
-      writeNative(target, static_cast<sb4>(value));
-      break;
-    case 8:
-      writeNative(target, static_cast<sb8>(value));
-      break;
-    default:
-      return fail(errhp, 1460);
+  switch (storeInteger<2>(target, *targetLength, value)) {
+    case Stored::Whole: return 0;
+    case Stored::Cut: return record(errhp, 1426, 1);
+    case Stored::NoSuchWidth: break;
   }
-  return fitted ? 0 : record(errhp, 1426, 1);
+  return fail(errhp, 1460);
 }
 
 /// Stores a number that was read from a text; a float that differs from it is reported.
