@@ -1,5 +1,5 @@
-/// A server that goes away in the middle of work, and statements that fail inside a transaction:
-/// the program learns of it, and its handles serve again.
+/// A server that goes away in the middle of work, and statements that fail inside a
+/// transaction: the program learns of it, and its handles serve again.
 #include <unistd.h>
 
 #include <thread>
@@ -39,9 +39,10 @@ class BrokenConnectionTest : public OciTest {
   /// Kills the backend as soon as it runs a statement that begins with `text`.
   std::thread killWhileRunning(const std::string &text) {
     return std::thread([this, text] {
-      const std::string running = "SELECT count(*) FROM pg_stat_activity WHERE pid = " + pid_ +
-                                  " AND state = 'active' AND query ILIKE '%" + text +
-                                  "%' AND wait_event = 'PgSleep'";
+      const std::string running =
+          "SELECT count(*) FROM pg_stat_activity WHERE pid = " + pid_ +
+          " AND state = 'active' AND query ILIKE '%" + text +
+          "%' AND wait_event = 'PgSleep'";
       while (query(running) != "1") std::this_thread::yield();
       killBackend();
     });
@@ -51,10 +52,11 @@ class BrokenConnectionTest : public OciTest {
   void expectUsableAgain(Statement &stmt) {
     OCIServer *server = nullptr;
     OCISession *session = nullptr;
-    ASSERT_EQ(OCIAttrGet(svchp(), OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION, errhp()),
+    ASSERT_EQ(OCIAttrGet(svchp(), OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION,
+                         errhp()),
               OCI_SUCCESS);
-    if (OCIAttrGet(svchp(), OCI_HTYPE_SVCCTX, &server, nullptr, OCI_ATTR_SERVER, errhp()) !=
-        OCI_SUCCESS) {
+    if (OCIAttrGet(svchp(), OCI_HTYPE_SVCCTX, &server, nullptr, OCI_ATTR_SERVER,
+                   errhp()) != OCI_SUCCESS) {
       server = server_;
       OCIAttrSet(svchp(), OCI_HTYPE_SVCCTX, server, 0, OCI_ATTR_SERVER, errhp());
     }
@@ -121,9 +123,9 @@ TEST_F(BrokenConnectionTest, ABackendThatDiesBetweenFetchesIsReported) {
 }
 
 TEST_F(BrokenConnectionTest, ABackendThatDiesDuringAFetchIsReported) {
-  Statement stmt =
-      statement("SELECT CASE WHEN g > 10 THEN length(pg_sleep(60)::text) + g ELSE g END "
-                "FROM generate_series(1, 20) g");
+  Statement stmt = statement(
+      "SELECT CASE WHEN g > 10 THEN length(pg_sleep(60)::text) + g ELSE g END "
+      "FROM generate_series(1, 20) g");
   sb4 values[10] = {};
   stmt.define(1, values, sizeof values[0], SQLT_INT);
   ASSERT_EQ(stmt.execute(10), OCI_SUCCESS) << errorText();
@@ -175,7 +177,8 @@ TEST_F(BrokenConnectionTest, AStatementThatFailsInsideATransactionRollsItBackAnd
   EXPECT_EQ(query("SELECT id FROM " + table_), "2");
 }
 
-TEST_F(BrokenConnectionTest, AQueryThatFailsWhileRowsAreFetchedRollsBackAndTheHandleServesAgain) {
+TEST_F(BrokenConnectionTest,
+       AQueryThatFailsWhileRowsAreFetchedRollsBackAndTheHandleServesAgain) {
   run("INSERT INTO " + table_ + " VALUES (1)");
   Statement stmt = statement("SELECT 10 / (5 - g) FROM generate_series(1, 9) g");
   sb4 values[2] = {};
