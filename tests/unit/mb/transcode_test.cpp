@@ -90,7 +90,7 @@ std::string utf8Of(std::mt19937 &random, std::size_t characters) {
       continue;
     }
     const int more = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-    out += static_cast<char>((0xf00 >> more & 0xff) | c >> (6 * more));
+    out += static_cast<char>((0xff00 >> (more + 1) & 0xff) | c >> (6 * more));
     for (int i = more - 1; i >= 0; --i)
       out += static_cast<char>(0x80 | (c >> (6 * i) & 0x3f));
   }
