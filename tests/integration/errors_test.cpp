@@ -33,9 +33,10 @@ class Errors : public OciTest {
  protected:
   /// Lets the server raise an error of this SQLSTATE in its own words.
   void raise(const std::string &state) {
-    auto raising = statement("do $$ declare nothing int; begin raise exception 'own words' "
-                             "using errcode = '" +
-                             state + "'; end $$");
+    auto raising = statement(
+        "do $$ declare nothing int; begin raise exception 'own words' "
+        "using errcode = '" +
+        state + "'; end $$");
     EXPECT_EQ(raising.execute(), OCI_ERROR) << state;
   }
   sb4 code(ub4 record = 1) {
