@@ -41,13 +41,13 @@ sword append(OCIError *errhp, ErrorRecord fields, const char *msg, const char *p
   return 0;
 }
 
-/// Connections that still send their notices to `errhp` stop doing so.
+/// No connection may still send its notices to `errhp`.
 void forgetNotices(const OCIError *errhp) {
   const OCIEnv *env = zev::asEnv(errhp->parenth);
   if (!env) return;
   for (OCIHandle *child : zev::Elements<OCIHandle>(env->children)) {
     const OCIServer *server = zev::asServer(child);
-    if (server && server->conn) zev::NoticeScope::forget(server->conn, errhp);
+    if (server && server->conn) zev::NoticeScope::quieten(server->conn);
   }
 }
 

@@ -23,9 +23,8 @@ using PgCancel = std::unique_ptr<PGcancel, ClosedBy<PQfreeCancel>>;
 template <class T = char>
 using Malloced = std::unique_ptr<T, ClosedBy<std::free>>;
 
-/// Sends the notices of a connection to an error handle for the time of one call, and puts the
-/// former processor and its argument back. libpq hands back only the function, so the argument is
-/// kept as instance data of the connection.
+/// Sends the notices of a connection to an error handle for the time of one call. Outside of
+/// calls they go to the trace, never to standard error. Scopes of one connection do not nest.
 class NoticeScope {
  public:
   NoticeScope(PGconn *conn, OCIError *errhp);
@@ -33,18 +32,15 @@ class NoticeScope {
   NoticeScope(const NoticeScope &) = delete;
   NoticeScope &operator=(const NoticeScope &) = delete;
 
-  /// Leaves the processor as it is.
+  /// Leaves the processor as it is until the next scope.
   void leaveInPlace() { conn_ = nullptr; }
 
-  /// Prepares a new connection: notices outside any scope go to the trace, not to standard error.
-  static void adopt(PGconn *conn);
-  /// Makes the connection forget an error handle that is about to be freed.
-  static void forget(PGconn *conn, const OCIError *errhp);
+  /// Lets the notices of a connection go to the trace: of a new one, and of one whose error handle
+  /// is about to be freed.
+  static void quieten(PGconn *conn);
 
  private:
   PGconn *conn_;
-  PQnoticeProcessor formerProcessor_;
-  void *formerArgument_;
 };
 
 }  // namespace zev

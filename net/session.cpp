@@ -122,7 +122,7 @@ sword beginSession(OCISvcCtx *svchp, OCIError *errhp, const OCISession *session)
     server->conn = nullptr;
     return OCI_ERROR;
   }
-  zev::NoticeScope::adopt(server->conn);
+  zev::NoticeScope::quieten(server->conn);
   traceProtocol(server);
   __atomic_store_n(&gDBServerVersion, PQserverVersion(server->conn), __ATOMIC_RELAXED);
 

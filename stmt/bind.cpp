@@ -59,6 +59,7 @@ void storeBind(OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments, ub4
   bind->valueSize = arguments.valueSize;
   bind->dty = arguments.dty;
   bind->pgType = GetParamType(stmt, position, arguments.dty, arguments.valueSize);
+  bind->convert = nullptr;
 }
 
 /// Gives an executed bind new buffers; OCI_ERROR when it is not one of this type and size.

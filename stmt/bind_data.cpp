@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "zevoci/conversion.h"
+#include "types/conversion_dispatch.h"
 #include "zevoci/trace.h"
 
 namespace {
@@ -54,10 +54,13 @@ sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
   sb2 empty = kNull;
   if (*indicator >= 0 && length == 0 && emptyIsNull(errhp)) indicator = &empty;
 
-  void *converted = nullptr;
-  const sword status = OCI2PQType(errhp, bind->dty, row.value, length, indicator, bind->pgType,
-                                  &converted, &bind->pgLength, &bind->pgFormat);
-  bind->pgValue = static_cast<char *>(converted);
+  if (!bind->convert) IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
+  zev::ServerParameter parameter{};
+  const sword status = zev::convertBound(errhp, bind->convert, bind->pgType,
+                                         {bind->dty, row.value, length, indicator}, parameter);
+  bind->pgValue = static_cast<char *>(parameter.value);
+  bind->pgLength = parameter.length;
+  bind->pgFormat = parameter.format;
   if (status < 0 && !row.length) AddErrorRecord(errhp, OCI_ERROR, 16530);
   return status;
 }

@@ -38,13 +38,6 @@ Oid aliasOf(Oid oid) {
   }
 }
 
-sword bindNull(void **out, ub4 *outLength, ub1 *outFormat) {
-  *out = nullptr;
-  *outLength = 0;
-  *outFormat = 0;
-  return OCI_SUCCESS;
-}
-
 /// The program's two promises about a bind while empty text and null are the same.
 void assertBindHasValue(const void *bufferin, sb4 bufferin_sz, const sb2 *indp) {
   const bool isNull = indp && *indp == -1;
@@ -117,28 +110,38 @@ extern "C" FromServerConverter findPQToOCIConversion(Oid pgType, ub2 ociType,
       .fromServer;
 }
 
+sword zev::convertBound(OCIError *errhp, ToServerConverter convert, Oid pgType,
+                        const BoundValue &bound, ServerParameter &parameter) {
+  sb2 *const indp = bound.indicator;
+  traceBind(pgType, bound.ociType, bound.length, indp);
+  if (!convert) return fail(errhp, 1460);
+  parameter = {};
+  const OCIEnv *env = parentEnv(errhp);
+  if (env && env->oracleVarchars) assertBindHasValue(bound.buffer, bound.length, indp);
+  if (!bound.buffer && indp) *indp = -1;
+  if (!bound.buffer || (indp && *indp == -1) || bound.ociType == SQLT_RSET) {
+    return OCI_SUCCESS;
+  }
+  if (indp && *indp < -1) return -1;
+  traceBytes("  source:", bound.buffer, bound.length);
+  const sword status = convert(errhp, bound.buffer, bound.length, indp, &parameter.value,
+                               &parameter.length, &parameter.format);
+  traceBytes("  result:", parameter.value, static_cast<sb4>(parameter.length));
+  return status;
+}
+
 extern "C" sword OCI2PQType(OCIError *errhp, ub2 ociType, void *bufferin, sb4 bufferin_sz,
                             sb2 *indp, Oid pgType, void **out, ub4 *outLength,
                             ub1 *outFormat) {
-  if (!errhp) return -1;
-  const OCIEnv *env = zev::parentEnv(errhp);
-  if (!out || !outLength || !outFormat) return -1;
-  traceBind(pgType, ociType, bufferin_sz, indp);
+  if (!errhp || !out || !outLength || !outFormat) return -1;
   ToServerConverter convert = nullptr;
-  if (IsOCIToPQConversionPossible(ociType, pgType, &convert) != 0) {
-    return zev::fail(errhp, 1460);
-  }
-  *out = nullptr;
-  *outLength = 0;
-  if (env && env->oracleVarchars) assertBindHasValue(bufferin, bufferin_sz, indp);
-  if (!bufferin && indp) *indp = -1;
-  if (!bufferin || (indp && *indp == -1)) return bindNull(out, outLength, outFormat);
-  if (ociType == SQLT_RSET) return bindNull(out, outLength, outFormat);
-  if (indp && *indp < -1) return -1;
-  traceBytes("  source:", bufferin, bufferin_sz);
-  const sword status =
-      convert(errhp, bufferin, bufferin_sz, indp, out, outLength, outFormat);
-  traceBytes("  result:", *out, static_cast<sb4>(*outLength));
+  IsOCIToPQConversionPossible(ociType, pgType, &convert);
+  zev::ServerParameter parameter{*out, *outLength, *outFormat};
+  const sword status = zev::convertBound(errhp, convert, pgType,
+                                         {ociType, bufferin, bufferin_sz, indp}, parameter);
+  *out = parameter.value;
+  *outLength = parameter.length;
+  *outFormat = parameter.format;
   return status;
 }
 

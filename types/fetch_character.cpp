@@ -15,6 +15,9 @@ struct TextEnvironment {
       : env(parentEnv(errhp)), emptyIsNull(env && env->oracleVarchars) {}
   const OCIEnv *env;
   bool emptyIsNull;
+
+  /// Whether text changes its bytes on the way to the program.
+  bool converts() const { return env && env->utf16; }
 };
 
 std::string_view fieldText(const void *value, sb4 valueLength) {
@@ -32,24 +35,12 @@ bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
 
 /// Stores an integer that was read from a text.
 sword storeFromText(OCIError *errhp, long value, void *target, ub4 *targetLength) {
-  bool fitted = true;
-  switch (*targetLength) {
-    case 1:
-      fitted = storeLow<sb1>(target, value);
-      break;
-    case 2:
-      fitted = storeLow<sb2>(target, value);
-      break;
-    case 4:
-      writeNative(target, static_cast<sb4>(value));
-      break;
-    case 8:
-      writeNative(target, static_cast<sb8>(value));
-      break;
-    default:
-      return fail(errhp, 1460);
+  switch (storeInteger<2>(target, *targetLength, value)) {
+    case Stored::Whole: return 0;
+    case Stored::Cut: return record(errhp, 1426, 1);
+    case Stored::NoSuchWidth: break;
   }
-  return fitted ? 0 : record(errhp, 1426, 1);
+  return fail(errhp, 1460);
 }
 
 /// Stores a number that was read from a text; a float that differs from it is reported.
@@ -106,7 +97,13 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
   const ub4 cap = *targetLength;
   const auto *source = value ? static_cast<const char *>(value) : "";
   const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
-  // The NUL behind the field is part of what is delivered.
+  // The NUL behind the field is part of what is delivered. Where it fits as it stands, that is
+  // all there is to do.
+  if (length < cap && !environment.converts()) {
+    zev::copyBytes(target, source, length + 1);
+    *targetLength = static_cast<ub4>(std::strlen(source));
+    return 0;
+  }
   const zev::EdgeResult converted(environment.env, source, length + 1);
   if (!converted) return converted.fail(errhp);
   const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);

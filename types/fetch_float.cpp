@@ -25,24 +25,12 @@ double readHalfSwapped(const void *value) {
 /// Stores an integer; one that does not fit a short target is recorded and delivered all
 /// the same.
 sword storeTruncated(OCIError *errhp, sb8 value, void *target, ub4 cap) {
-  bool fitted = true;
-  switch (cap) {
-    case 1:
-      fitted = storeLow<sb1>(target, value);
-      break;
-    case 2:
-      fitted = storeLow<sb2>(target, value);
-      break;
-    case 4:
-      writeNative(target, static_cast<sb4>(value));
-      break;
-    case 8:
-      writeNative(target, value);
-      break;
-    default:
-      return -1;
+  switch (storeInteger<2>(target, cap, value)) {
+    case Stored::Whole: return 0;
+    case Stored::Cut: return record(errhp, 22054, 0);
+    case Stored::NoSuchWidth: break;
   }
-  return fitted ? 0 : record(errhp, 22054, 0);
+  return -1;
 }
 
 }  // namespace

@@ -31,28 +31,16 @@ sb8 readInt8(OCIError *, const char *s, sword &) {
   return atoi64(s);
 }
 
-/// Stores `value` in the width of the target, low bytes first checked afterwards: one
-/// that does not fit is recorded when it has been stored.
+/// Stores `value` in the width of the target; one that does not fit is recorded when it has been
+/// stored.
 template <class Value, OtherSize Rule>
-sword storeInteger(OCIError *errhp, Value value, void *target, ub4 cap) {
-  bool fitted = true;
-  switch (cap) {
-    case 1:
-      fitted = storeLow<sb1>(target, value);
-      break;
-    case 2:
-      fitted = storeLow<sb2>(target, value);
-      break;
-    case 4:
-      fitted = storeLow<sb4>(target, value);
-      break;
-    case 8:
-      writeNative(target, static_cast<sb8>(value));
-      break;
-    default:
-      return Rule == OtherSize::Refuse ? -1 : 0;
+sword storeChecked(OCIError *errhp, Value value, void *target, ub4 cap) {
+  switch (storeInteger<4>(target, cap, value)) {
+    case Stored::Whole: return 0;
+    case Stored::Cut: return fail(errhp, 22053);
+    case Stored::NoSuchWidth: break;
   }
-  return fitted ? 0 : fail(errhp, 22053);
+  return Rule == OtherSize::Refuse ? -1 : 0;
 }
 
 /// The body of the INT members. `Read` takes the text form.
@@ -71,7 +59,7 @@ sword fetchInteger(FETCH_PARAMS) {
     integer = readNetwork<Wire>(value);
   }
   if (status != 0) return status;
-  return storeInteger<Wire, Rule>(errhp, integer, target, *targetLength);
+  return storeChecked<Wire, Rule>(errhp, integer, target, *targetLength);
 }
 
 template <class Value>

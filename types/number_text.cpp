@@ -17,22 +17,10 @@ locale_t cLocale() {
   return locale;
 }
 
-const char *skipDigits(const char *s) {
-  while (isDigit(*s)) ++s;
-  return s;
-}
-
-/// The end of an unsigned decimal with digits on at least one side of its point and an
-/// optional exponent; null when another form may stand there.
-const char *endOfPlainDecimal(const char *s) {
-  const char *p = skipDigits(s);
-  const bool hexadecimal = p - s == 1 && *s == '0' && (*p == 'x' || *p == 'X');
-  if (p == s || hexadecimal) return nullptr;
-  if (*p == '.') p = skipDigits(p + 1);
-  if (*p != 'e' && *p != 'E') return p;
-  const char *exponent = p + 1;
-  if (*exponent == '+' || *exponent == '-') ++exponent;
-  return isDigit(*exponent) ? skipDigits(exponent) : p;
+/// Whether an unsigned decimal stands at `s`: what begins otherwise (white space, signs, words,
+/// hexadecimal) is the C library's.
+bool isPlainDecimal(const char *s) {
+  return isDigit(s[0]) && !(s[0] == '0' && (s[1] == 'x' || s[1] == 'X'));
 }
 
 }  // namespace
@@ -58,14 +46,11 @@ Parsed<double> parseAnyDouble(const char *s) {
 }
 
 Parsed<double> parseDouble(const char *s) {
-  const bool negative = *s == '-';
-  const char *const end = endOfPlainDecimal(s + negative);
-  if (!end) return parseAnyDouble(s);
+  if (!isPlainDecimal(s + (*s == '-'))) return parseAnyDouble(s);
   double value = 0;
-  const auto result = std::from_chars(s, end, value);
+  const auto [end, failure] = std::from_chars(s, s + std::strlen(s), value);
   // Tiny and huge values may be out of range, which the C library judges.
-  const bool ordinary =
-      result.ec == std::errc{} && result.ptr == end && std::isnormal(value);
+  const bool ordinary = failure == std::errc{} && (value == 0 || std::isnormal(value));
   if (!ordinary) return parseAnyDouble(s);
   return {value, end};
 }

@@ -5,13 +5,6 @@
 
 #include "zevoci/statement.h"
 
-/// Bound value to server parameter. `*outBuffer` comes from the system allocator and the caller
-/// frees it after the execute; null with length 0 is SQL NULL. `*outFormat` is 1 for the server's
-/// binary form, 0 for text. Returns 0, 1 (with a warning) or a negative status.
-using ToServerConverter = sword (*)(OCIError *errhp, const void *value, sb4 valueLength,
-                                    sb2 *indicator, void **outBuffer, ub4 *outLength,
-                                    ub1 *outFormat);
-
 /// Fetched field to program buffer. `value` and `format` (0 text, 1 binary) are libpq's;
 /// `*targetLength` is the size of `target` on entry and the bytes produced on exit. `indicator`
 /// and `returnCode` may be null. Returns 0, 1 (delivered with a warning) or a negative status.

@@ -92,6 +92,13 @@ struct OCIStmt : OCIHandle {
 /// Directions of a parameter, as OCIBind::paramMode and in paramDirs.
 enum ParamMode : ub4 { kParamIn = 1, kParamOut = 2, kParamInOut = 3 };
 
+/// Bound value to server parameter. `*outBuffer` comes from the system allocator and the caller
+/// frees it after the execute; null with length 0 is SQL NULL. `*outFormat` is 1 for the server's
+/// binary form, 0 for text. Returns 0, 1 (with a warning) or a negative status.
+using ToServerConverter = sword (*)(OCIError *errhp, const void *value, sb4 valueLength,
+                                    sb2 *indicator, void **outBuffer, ub4 *outLength,
+                                    ub1 *outFormat);
+
 struct OCIBind : OCIHandle {
   boolean isDynamic;
   ub4 position;
@@ -119,6 +126,7 @@ struct OCIBind : OCIHandle {
   ub4 indskip;
   ub4 alskip;
   ub4 rcskip;
+  ToServerConverter convert;  ///< from dty to pgType; null until the first value
 };
 
 struct OCIDefine : OCIHandle {

@@ -1,5 +1,5 @@
-/// Every exported function with every handle argument wrong in turn: a null, a handle of each
-/// other kind, a block that holds no handle any more. None may crash or succeed.
+/// Every exported function with every handle argument wrong in turn: a null, a handle of
+/// each other kind, a block that holds no handle any more. None may crash or succeed.
 #include <array>
 #include <cstring>
 #include <tuple>
@@ -32,7 +32,8 @@ struct Handle {
   unsigned accepted;
 };
 
-/// A data pointer that may be null without a crash; the call's status does not matter then.
+/// A data pointer that may be null without a crash; the call's status does not matter
+/// then.
 template <class T>
 struct Data {
   T *good;
@@ -66,12 +67,13 @@ class World {
     trans = static_cast<OCITrans *>(alloc(OCI_HTYPE_TRANS, env));
     OCIAttrSet(svc, OCI_HTYPE_SVCCTX, trans, 0, OCI_ATTR_TRANS, err);
     stmt = static_cast<OCIStmt *>(alloc(OCI_HTYPE_STMT, env));
-    EXPECT_EQ(OCIStmtPrepare(stmt, err, text(kSql), sizeof kSql - 1, OCI_NTV_SYNTAX, 0), 0);
-    EXPECT_EQ(OCIBindByName(stmt, &bind, err, text(":a"), 2, &number, sizeof number, SQLT_INT,
-                            nullptr, nullptr, nullptr, 0, nullptr, OCI_DEFAULT),
+    EXPECT_EQ(OCIStmtPrepare(stmt, err, text(kSql), sizeof kSql - 1, OCI_NTV_SYNTAX, 0),
+              0);
+    EXPECT_EQ(OCIBindByName(stmt, &bind, err, text(":a"), 2, &number, sizeof number,
+                            SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr, OCI_DEFAULT),
               OCI_SUCCESS);
-    EXPECT_EQ(OCIDefineByPos(stmt, &define, err, 1, &number, sizeof number, SQLT_INT, nullptr,
-                             nullptr, nullptr, OCI_DEFAULT),
+    EXPECT_EQ(OCIDefineByPos(stmt, &define, err, 1, &number, sizeof number, SQLT_INT,
+                             nullptr, nullptr, nullptr, OCI_DEFAULT),
               OCI_SUCCESS);
     std::memset(garbage.data(), 0xEE, 4);  // a tag that no handle has, and no parent
   }
@@ -84,14 +86,15 @@ class World {
   World(const World &) = delete;
   World &operator=(const World &) = delete;
 
-  static const OraText *text(const char *s) { return reinterpret_cast<const OraText *>(s); }
+  static const OraText *text(const char *s) {
+    return reinterpret_cast<const OraText *>(s);
+  }
 
   /// What may stand where a handle is expected, with the kind that it is.
   std::vector<std::pair<void *, unsigned>> handles() {
-    return {{nullptr, 0},       {zeros.data(), 0}, {garbage.data(), 0},
-            {env, kEnv},        {err, kError},     {svc, kService},
-            {srv, kServer},     {ses, kSession},   {stmt, kStatement},
-            {bind, kBind},      {define, kDefine}, {trans, kTrans}};
+    return {{nullptr, 0},       {zeros.data(), 0}, {garbage.data(), 0}, {env, kEnv},
+            {err, kError},      {svc, kService},   {srv, kServer},      {ses, kSession},
+            {stmt, kStatement}, {bind, kBind},     {define, kDefine},   {trans, kTrans}};
   }
 
   static constexpr char kSql[] = "SELECT :a::int";
@@ -123,8 +126,8 @@ class World {
 
 class ArgumentWalk : public OciTest {
  protected:
-  /// Calls `function` once for each wrong value of each of its handle arguments and for a null in
-  /// each of its data arguments. `arguments(world)` is a tuple of good ones.
+  /// Calls `function` once for each wrong value of each of its handle arguments and for a
+  /// null in each of its data arguments. `arguments(world)` is a tuple of good ones.
   template <class Function, class Make>
   void walk(const char *name, Function function, Make arguments) {
     using Tuple = decltype(arguments(std::declval<World &>()));
@@ -150,7 +153,8 @@ class ArgumentWalk : public OciTest {
         const sword status = callWithHandle<Position>(function, arguments, i);
         ++calls_;
         EXPECT_TRUE(status == OCI_INVALID_HANDLE || status == OCI_ERROR)
-            << name << ", argument " << Position + 1 << ", substitute " << i << ": " << status;
+            << name << ", argument " << Position + 1 << ", substitute " << i << ": "
+            << status;
       }
     } else if constexpr (requires { argument.good; }) {
       callWithNull<Position>(function, arguments);
@@ -163,7 +167,8 @@ class ArgumentWalk : public OciTest {
     World world(env(), svchp());
     auto tuple = arguments(world);
     auto &argument = std::get<Position>(tuple);
-    argument.good = static_cast<decltype(argument.good)>(world.handles()[substitute].first);
+    argument.good =
+        static_cast<decltype(argument.good)>(world.handles()[substitute].first);
     return call(function, tuple);
   }
 
@@ -180,7 +185,8 @@ class ArgumentWalk : public OciTest {
 
   template <class Function, class Tuple>
   static sword call(Function function, const Tuple &tuple) {
-    return std::apply([&](auto... argument) { return function(pass(argument)...); }, tuple);
+    return std::apply([&](auto... argument) { return function(pass(argument)...); },
+                      tuple);
   }
 
  protected:
@@ -275,8 +281,9 @@ TEST_F(ArgumentWalk, EveryHandleArgumentOfEveryFunctionIsChecked) {
 
 TEST_F(ArgumentWalk, EnvironmentCallsRefuseANullOutput) {
   EXPECT_EQ(OCIEnvInit(nullptr, OCI_DEFAULT, 0, nullptr), OCI_ERROR);
-  EXPECT_EQ(OCIEnvCreate(nullptr, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-            OCI_ERROR);
+  EXPECT_EQ(
+      OCIEnvCreate(nullptr, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
+      OCI_ERROR);
   EXPECT_EQ(OCIEnvNlsCreate(nullptr, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0,
                             nullptr, 6, 6),
             OCI_ERROR);

@@ -1,4 +1,5 @@
-/// Programs that run in many threads at once, each with its own environment and connection.
+/// Programs that run in many threads at once, each with its own environment and
+/// connection.
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 #include <oci.h>
@@ -36,7 +37,9 @@ const OraText *text(const std::string &value) {
   return reinterpret_cast<const OraText *>(value.c_str());
 }
 
-ub4 size(const std::string &value) { return static_cast<ub4>(value.size()); }
+ub4 size(const std::string &value) {
+  return static_cast<ub4>(value.size());
+}
 
 /// One thread's program. Each step answers whether it went as it must.
 class Program {
@@ -48,7 +51,8 @@ class Program {
 
   /// Runs a whole life of an environment; the sum of the values read back, or -1.
   long runRound(int round) {
-    if (OCIEnvCreate(&env_, OCI_THREADED, nullptr, nullptr, nullptr, nullptr, 0, nullptr)) {
+    if (OCIEnvCreate(&env_, OCI_THREADED, nullptr, nullptr, nullptr, nullptr, 0,
+                     nullptr)) {
       return -1;
     }
     const long sum = logOn() && insertRows(round) ? readRows(round) : -1;
@@ -81,8 +85,9 @@ class Program {
 
   bool bind(OCIStmt *stmt, const std::string &name, sb4 &value) {
     OCIBind *bind = nullptr;
-    return OCIBindByName(stmt, &bind, errhp_, text(name), -1, &value, sizeof value, SQLT_INT,
-                         nullptr, nullptr, nullptr, 0, nullptr, OCI_DEFAULT) == OCI_SUCCESS;
+    return OCIBindByName(stmt, &bind, errhp_, text(name), -1, &value, sizeof value,
+                         SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr,
+                         OCI_DEFAULT) == OCI_SUCCESS;
   }
 
   bool insertRows(int round) {
@@ -101,8 +106,8 @@ class Program {
   }
 
   long readRows(int round) {
-    OCIStmt *stmt =
-        statement("SELECT value FROM threads_rows WHERE owner = :owner AND round = :round");
+    OCIStmt *stmt = statement(
+        "SELECT value FROM threads_rows WHERE owner = :owner AND round = :round");
     sb4 owner = number_, roundValue = round, value = 0;
     ub4 prefetch = 7;
     OCIDefine *define = nullptr;
@@ -159,37 +164,43 @@ TEST(Threads, SeparateEnvironmentsDoNotDisturbEachOtherAndLoseNothing) {
   ask("DROP TABLE threads_rows");
 }
 
-/// A program that breaks a statement from a second thread and goes on with the connection.
+/// A program that breaks a statement from a second thread and goes on with the
+/// connection.
 TEST(Threads, BreakFromASecondThreadEndsARunningStatement) {
   const ServerAddress &server = testServer();
   const std::string target = server.host + ':' + server.port + '/' + server.db;
   OCIEnv *env = nullptr;
-  ASSERT_EQ(OCIEnvCreate(&env, OCI_THREADED, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-            OCI_SUCCESS);
+  ASSERT_EQ(
+      OCIEnvCreate(&env, OCI_THREADED, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
+      OCI_SUCCESS);
   void *made = nullptr;
   ASSERT_EQ(OCIHandleAlloc(env, &made, OCI_HTYPE_ERROR, 0, nullptr), OCI_SUCCESS);
   auto *errhp = static_cast<OCIError *>(made);
   OCISvcCtx *svchp = nullptr;
-  ASSERT_EQ(OCILogon(env, errhp, &svchp, text(server.user), size(server.user),
-                     text(server.password), size(server.password), text(target), size(target)),
-            OCI_SUCCESS);
+  ASSERT_EQ(
+      OCILogon(env, errhp, &svchp, text(server.user), size(server.user),
+               text(server.password), size(server.password), text(target), size(target)),
+      OCI_SUCCESS);
   ASSERT_EQ(OCIHandleAlloc(env, &made, OCI_HTYPE_STMT, 0, nullptr), OCI_SUCCESS);
   auto *stmt = static_cast<OCIStmt *>(made);
   const std::string sql = "DELETE FROM pg_class WHERE pg_sleep(60) IS NULL";
-  ASSERT_EQ(OCIStmtPrepare(stmt, errhp, text(sql), size(sql), OCI_NTV_SYNTAX, OCI_DEFAULT),
-            OCI_SUCCESS);
+  ASSERT_EQ(
+      OCIStmtPrepare(stmt, errhp, text(sql), size(sql), OCI_NTV_SYNTAX, OCI_DEFAULT),
+      OCI_SUCCESS);
 
   std::atomic<bool> done{false};
   std::thread breaker([&] {
     const std::string running =
-        "SELECT count(*) FROM pg_stat_activity WHERE query LIKE 'DELETE FROM pg_class%' AND "
+        "SELECT count(*) FROM pg_stat_activity WHERE query LIKE 'DELETE FROM pg_class%' "
+        "AND "
         "wait_event = 'PgSleep'";
     while (!done && ask(running) != "1") std::this_thread::yield();
     while (!done && OCIBreak(svchp, errhp) == OCI_SUCCESS) {
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
   });
-  EXPECT_EQ(OCIStmtExecute(svchp, stmt, errhp, 1, 0, nullptr, nullptr, OCI_DEFAULT), OCI_ERROR);
+  EXPECT_EQ(OCIStmtExecute(svchp, stmt, errhp, 1, 0, nullptr, nullptr, OCI_DEFAULT),
+            OCI_ERROR);
   done = true;
   breaker.join();
 
