@@ -1,5 +1,6 @@
 #include "core/edge_text.h"
 
+#include <cerrno>
 #include <cstdint>
 
 #include "zevoci/encodings.h"
@@ -32,6 +33,8 @@ void EdgeText::convert(iconv_t descriptor, const void *source, std::size_t lengt
   }
   owned_.reset(static_cast<char *>(out));
   data_ = owned_.get();
+  // An empty result for a text that is not empty means that memory ran out.
+  if (!data_ && source && length) error_ = ENOMEM;
 }
 
 sword EdgeText::fail(OCIError *errhp, sword status) const {

@@ -188,7 +188,7 @@ ZEV_API sword OCIEnvInit(OCIEnv **envhpp, ub4 mode, size_t xtramemsz, void **usr
     return discardEnv(envhpp);
   }
   SetNlsMessagesPath();
-  if (!(mode & OCI_UTF16)) InitNls(env, 0);
+  if (!(mode & OCI_UTF16) && !zev::settleEncoding(env, 0)) return discardEnv(envhpp);
 
   static std::once_flag keyMade;
   std::call_once(keyMade, [] { pthread_key_create(&g_ThreadKeyDestructorListIndex, nullptr); });
@@ -224,8 +224,7 @@ ZEV_API sword OCIEnvNlsCreate(OCIEnv **envhpp, ub4 mode, void *ctxp,
       OCIEnvCreate(envhpp, mode, ctxp, malocfp, ralocfp, mfreefp, xtramemsz, usrmempp);
   if (status != OCI_SUCCESS) return status;
   if (charset > kLastEncoding) return discardEnv(envhpp);
-  InitNls(*envhpp, charset);
-  return OCI_SUCCESS;
+  return zev::settleEncoding(*envhpp, charset) ? OCI_SUCCESS : discardEnv(envhpp);
 }
 
 }  // extern "C"

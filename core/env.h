@@ -9,4 +9,7 @@ namespace zev {
 /// on. False when the system knows no such conversion.
 bool openConversions(OCIEnv *env, const char *encodingName);
 
+/// As InitNls; false when memory runs out, and the encoding is then not settled.
+bool settleEncoding(OCIEnv *env, ub2 csid);
+
 }  // namespace zev

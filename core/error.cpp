@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <clocale>
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "core/memory_cache.h"
 #include "core/owned.h"
@@ -59,6 +59,18 @@ sword appendServerError(OCIError *errhp, sb4 severity, const char *sqlstate, sb4
   std::memcpy(fields.sqlstate, sqlstate, 5);
   fields.sqlstate[5] = '\0';
   return append(errhp, fields, msg, pgMsg);
+}
+
+/// Puts `filler` in the place of the first "%s"; false when there is none to fill. What
+/// does not fit is cut.
+bool fillPlaceholder(char (&working)[kWorkingText], const char *filler) {
+  const char *placeholder = oci_strstr(working, "%s");
+  if (!placeholder || placeholder == working) return false;
+  char rest[kWorkingText];
+  std::strcpy(rest, placeholder + 2);
+  const auto before = static_cast<std::size_t>(placeholder - working);
+  std::snprintf(working + before, sizeof working - before, "%s%s", filler, rest);
+  return true;
 }
 
 }  // namespace
@@ -115,18 +127,15 @@ sword AddErrorRecordMsg(OCIError *errhp, sb4 severity, const char *text) {
 
 sword AddErrorRecordStringX(OCIError *errhp, sb4 severity, sb4 code, int count, ...) {
   if (!zev::asError(errhp)) return OCI_INVALID_HANDLE;
-  std::string working = o2pGetErrorText(code);
+  char working[kWorkingText];
+  std::snprintf(working, sizeof working, "%s", o2pGetErrorText(code));
   std::va_list strings;
   va_start(strings, count);
   for (int i = 0; i < count; ++i) {
-    const char *filler = va_arg(strings, const char *);
-    const char *placeholder = oci_strstr(working.c_str(), "%s");
-    if (!placeholder || placeholder == working.c_str()) break;
-    working.replace(static_cast<std::size_t>(placeholder - working.c_str()), 2, filler);
+    if (!fillPlaceholder(working, va_arg(strings, const char *))) break;
   }
   va_end(strings);
-  if (working.size() >= kWorkingText) working.resize(kWorkingText - 1);
-  return AddErrorRecord2(errhp, severity, code, working.c_str());
+  return AddErrorRecord2(errhp, severity, code, working);
 }
 
 sword AddPGErrorRecord(OCIError *errhp, sb4 severity, const PGresult *result) {

@@ -5,9 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <string>
+#include <string_view>
 
-#include "core/owned.h"
+#include "core/env.h"
 #include "zevoci/encodings.h"
 #include "zevoci/handle.h"
 #include "zevoci/text.h"
@@ -64,48 +67,57 @@ const EncodingMatch *matchSystemName(const char *name) {
   return nullptr;
 }
 
-/// The three parts of a locale name; none of them is null when `complete`.
-struct LocaleParts {
-  explicit LocaleParts(const char *name) {
-    char *l, *t, *c;
-    complete = ParseLocale(name, &l, &t, &c);
-    language.reset(l);
-    territory.reset(t);
-    charset.reset(c);
-  }
-  bool complete;
-  zev::Malloced<> language, territory, charset;
+/// The three parts of a locale name; the last one runs to the name's end.
+struct LocaleName {
+  std::string_view language, territory;
+  const char *charset;
 };
+
+/// The part of `rest` up to one of `ends`, which it leaves behind it. Ends in front of
+/// the part do not count; it is empty when nothing else is left.
+std::string_view takePart(const char *&rest, const char *ends) {
+  rest += std::strspn(rest, ends);
+  const std::string_view part(rest, std::strcspn(rest, ends));
+  rest += part.size();
+  if (*rest) ++rest;
+  return part;
+}
+
+/// The parts of "language_territory.charset"; none when one of them is missing.
+std::optional<LocaleName> splitLocale(const char *text) {
+  const std::string_view language = takePart(text, "_");
+  const std::string_view territory = takePart(text, ".");
+  if (language.empty() || territory.empty() || !*text) return {};
+  return LocaleName{language, territory, text};
+}
 
 /// Takes the encoding that NLS_LANG names. True when that settles the locale as well.
 bool initFromNlsLang(OCIEnv *env) {
   const char *value = std::getenv("NLS_LANG");
   if (!value) return false;
-  const LocaleParts parts(value);
-  if (!parts.complete) return false;
-  const zev::Malloced<> systemName(findMatchingSysEncoding(parts.charset.get()));
-  if (!systemName) return false;
+  const std::optional<LocaleName> name = splitLocale(value);
+  const EncodingMatch *match = name ? matchSystemName(name->charset) : nullptr;
+  if (!match) return false;
 
-  env->encoding = pg_char_to_encoding(parts.charset.get());
-  if (oci_strcasecmp(systemName.get(), "POSIX") == 0) {
+  env->encoding = pg_char_to_encoding(name->charset);
+  if (oci_strcasecmp(match->systemName, "POSIX") == 0) {
     std::setlocale(LC_ALL, "POSIX");
     return true;
   }
   // The whole name is no argument here: the territory alone names the locale to try.
-  return std::setlocale(LC_ALL, parts.territory.get()) != nullptr;
+  return std::setlocale(LC_ALL, std::string(name->territory).c_str()) != nullptr;
 }
 
 /// Takes the encoding of the process's own locale where that is a known one.
 bool initFromLocale(OCIEnv *env) {
   const char *current = std::setlocale(LC_CTYPE, "");
   if (!current) return false;
-  const std::string name = current;
-  const LocaleParts parts(name.c_str());
-  if (!parts.complete) return false;
-  const zev::Malloced<> pgName(findMatchingPgEncoding(parts.charset.get()));
-  if (!pgName) return false;
+  const std::string name = current;  // the answer is overwritten by the next call
+  const std::optional<LocaleName> parts = splitLocale(name.c_str());
+  const EncodingMatch *match = parts ? matchSystemName(parts->charset) : nullptr;
+  if (!match) return false;
   std::setlocale(LC_ALL, name.c_str());
-  env->encoding = pg_char_to_encoding(pgName.get());
+  env->encoding = pg_char_to_encoding(match->pgName);
   return true;
 }
 
@@ -116,7 +128,30 @@ const char *messageDirectory() {
   return stat(kUsual, &found) == 0 && S_ISDIR(found.st_mode) ? kUsual : "";
 }
 
+void searchEncoding(OCIEnv *env) {
+  // setlocale changes the whole process, and its answer is static storage.
+  static std::mutex localeMutex;
+  const std::lock_guard guard(localeMutex);
+  if (initFromNlsLang(env) || initFromLocale(env)) return;
+  env->encoding = pg_char_to_encoding("sqlascii");
+  std::setlocale(LC_ALL, "POSIX");
+}
+
 }  // namespace
+
+bool zev::settleEncoding(OCIEnv *env, ub2 csid) {
+  if (!asEnv(env)) return true;
+  if (csid >= 1 && csid <= kLastEncoding) {
+    env->encoding = pg_char_to_encoding(pg_encoding_to_char(csid));
+    return true;
+  }
+  try {
+    searchEncoding(env);
+    return true;
+  } catch (const std::bad_alloc &) {
+    return false;
+  }
+}
 
 extern "C" {
 
@@ -124,16 +159,11 @@ boolean ParseLocale(const char *text, char **language, char **territory, char **
   for (char **out : {language, territory, charset}) {
     if (out) *out = nullptr;
   }
-  const zev::Malloced<> copy(copyOf(text));
-  if (!copy) return 0;
-  char *state = nullptr;
-  const char *first = strtok_r(copy.get(), "_", &state);
-  const char *second = first ? strtok_r(nullptr, ".", &state) : nullptr;
-  const char *third = second ? strtok_r(nullptr, "", &state) : nullptr;
-  if (!third) return 0;
-  if (language) *language = copyOf(first);
-  if (territory) *territory = copyOf(second);
-  if (charset) *charset = copyOf(third);
+  const std::optional<LocaleName> name = splitLocale(text);
+  if (!name) return 0;
+  if (language) *language = makeString(name->language.data(), name->language.size());
+  if (territory) *territory = makeString(name->territory.data(), name->territory.size());
+  if (charset) *charset = copyOf(name->charset);
   return 1;
 }
 
@@ -148,17 +178,7 @@ char *findMatchingPgEncoding(const char *name) {
 }
 
 void InitNls(OCIEnv *env, ub2 csid) {
-  if (!zev::asEnv(env)) return;
-  if (csid >= 1 && csid <= kLastEncoding) {
-    env->encoding = pg_char_to_encoding(pg_encoding_to_char(csid));
-    return;
-  }
-  // setlocale changes the whole process, and its answer is static storage.
-  static std::mutex localeMutex;
-  const std::lock_guard guard(localeMutex);
-  if (initFromNlsLang(env) || initFromLocale(env)) return;
-  env->encoding = pg_char_to_encoding("sqlascii");
-  std::setlocale(LC_ALL, "POSIX");
+  zev::settleEncoding(env, csid);
 }
 
 void SetNlsMessagesPath() {

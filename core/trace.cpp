@@ -5,7 +5,8 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
-#include <string>
+
+#include "core/owned.h"
 
 namespace {
 
@@ -14,8 +15,10 @@ constexpr int kBytesPerRow = 16;
 /// Opens the log that the variable names; null when it cannot be opened.
 std::FILE *openLog(const char *value) {
   if (std::strcmp(value, "-") == 0) return stderr;
-  const std::string path = std::string(value) + '-' + std::to_string(getpid());
-  return std::fopen(path.c_str(), "w");
+  char *name = nullptr;
+  if (asprintf(&name, "%s-%d", value, static_cast<int>(getpid())) < 0) return nullptr;
+  const zev::Malloced<> path(name);
+  return std::fopen(path.get(), "w");
 }
 
 /// Environments of several threads may set the settings at once; the last one holds.

@@ -25,8 +25,15 @@ void forgetAddress(OCIServer *server) {
   server->dblinkLen = 0;
 }
 
-void useDefault(char *&part, const char *value) {
-  if (!part) part = strdup(value);
+/// Whether the address has a URI or all three parts.
+bool isComplete(const OCIServer *server) {
+  return server->uri || (server->host && server->port && server->dbname);
+}
+
+void useDefaults(OCIServer *server) {
+  server->host = strdup("localhost");
+  server->port = strdup("5444");
+  server->dbname = strdup("zev");
 }
 
 /// Stores the connect string and what it says of the address.
@@ -37,7 +44,20 @@ sword resolve(OCIServer *server, OCIError *errhp, const zev::EdgeText &dblink) {
   const boolean understood =
       parse_connect_str(server->dblink, static_cast<sb4>(server->dblinkLen), &server->host,
                         &server->port, &server->dbname, &server->uri);
-  return understood ? OCI_SUCCESS : zev::fail(errhp, 12154);
+  if (!understood) return zev::fail(errhp, 12154);
+  return isComplete(server) ? OCI_SUCCESS : zev::fail(errhp, 16506);
+}
+
+/// Where to connect: what the connect string says, or the defaults.
+sword settleAddress(OCIServer *server, OCIError *errhp, const OCIEnv *env, const OraText *dblink,
+                    sb4 length) {
+  forgetAddress(server);
+  if (dblink && length > 0) {
+    const zev::EdgeText edge(env, dblink, static_cast<std::size_t>(length));
+    return edge ? resolve(server, errhp, edge) : edge.fail(errhp);
+  }
+  useDefaults(server);
+  return isComplete(server) ? OCI_SUCCESS : zev::fail(errhp, 16506);
 }
 
 sword setStatementLevelRollback(OCIServer *server, ub1 on, OCIError *errhp) {
@@ -155,19 +175,11 @@ ZEV_API sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *
   return zev::runFrame(
       zev::frame::kServerAttach, env, errhp,
       [&](sword &status) {
-        forgetAddress(srvhp);
-        if (dblink && dblink_len > 0) {
-          const zev::EdgeText edge(env, dblink, static_cast<std::size_t>(dblink_len));
-          const sword outcome = edge ? resolve(srvhp, errhp, edge) : edge.fail(errhp);
-          if (outcome != OCI_SUCCESS) {
-            status = outcome;
-            return zev::Leave::AtOnce;
-          }
-        }
-        if (!srvhp->uri) {
-          useDefault(srvhp->host, "localhost");
-          useDefault(srvhp->port, "5444");
-          useDefault(srvhp->dbname, "zev");
+        const sword outcome = settleAddress(srvhp, errhp, env, dblink, dblink_len);
+        if (outcome != OCI_SUCCESS) {
+          forgetAddress(srvhp);
+          status = outcome;
+          return zev::Leave::AtOnce;
         }
         srvhp->attached = 1;
         return zev::Leave::ThroughExitCallbacks;
