@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <atomic>
 #include <cstdio>
 #include <thread>
@@ -252,30 +254,30 @@ TEST_F(Services, LogoffOfADeadConnectionFreesItsHandles) {
   EXPECT_EQ(OCILogoff(service, errhp()), OCI_SUCCESS);
 }
 
-/// A role of its own, so that the fixture's password stays.
+/// A role of the process's own, so that the fixture's password stays.
 class PasswordChange : public Services {
  protected:
   void SetUp() override {
     Services::SetUp();
-    query("drop role if exists zev_changing");
-    query("create role zev_changing login password 'first'");
+    query("create role " + role_ + " login password 'first'");
     service_ = logonAs("first");
     ASSERT_NE(service_, nullptr) << errorText();
   }
   void TearDown() override {
     if (service_) OCILogoff(service_, errhp());
-    query("drop role if exists zev_changing");
+    query("drop role if exists " + role_);
     Services::TearDown();
   }
   OCISvcCtx *logonAs(const std::string &password) {
-    const std::string user = "zev_changing", target = connectString();
+    const std::string target = connectString();
     OCISvcCtx *made = nullptr;
-    OCILogon(env(), errhp(), &made, asText(user), lengthOf(user), asText(password),
+    OCILogon(env(), errhp(), &made, asText(role_), lengthOf(role_), asText(password),
              lengthOf(password), asText(target), lengthOf(target));
     return made;
   }
   sword change(const std::string &password, ub4 mode = OCI_DEFAULT,
-               const std::string &user = "zev_changing") {
+               const std::string &other = {}) {
+    const std::string &user = other.empty() ? role_ : other;
     const std::string former = "not looked at";
     return OCIPasswordChange(service_, errhp(), asText(user), lengthOf(user),
                              asText(former), lengthOf(former), asText(password),
@@ -286,6 +288,7 @@ class PasswordChange : public Services {
     if (made) OCILogoff(made, errhp());
     return made;
   }
+  const std::string role_ = "zev_changing_" + std::to_string(getpid());
   OCISvcCtx *service_ = nullptr;
 };
 
@@ -321,7 +324,7 @@ TEST_F(PasswordChange, WithoutASessionTheAuthenticatingModeBeginsOne) {
 TEST_F(PasswordChange, ASessionThatCannotBeginIsItsError) {
   OCISession *user = linked<OCISession>(service_, OCI_ATTR_SESSION);
   OCISessionEnd(service_, errhp(), user, OCI_DEFAULT);
-  query("alter role zev_changing password 'elsewhere'");
+  query("alter role " + role_ + " password 'elsewhere'");
   EXPECT_EQ(change("second", OCI_AUTH), OCI_ERROR);
   expectError(12154, "password authentication failed");
 }

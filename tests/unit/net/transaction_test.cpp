@@ -10,12 +10,6 @@ namespace {
 
 class Transaction : public ServerTest {
  protected:
-  Transaction() {
-    for (const char *name : {"1.ab", "0.name"}) {
-      run(std::string("rollback prepared '") + name + "'");
-    }
-  }
-
   OCITrans *link() {
     auto *trans = env.alloc<OCITrans>(OCI_HTYPE_TRANS);
     svchp->trans = trans;
