@@ -142,7 +142,9 @@ const char *placeholderAt(const OCIStmt *stmt, ub4 position) {
 
 OCIBind *findByExactName(const OCIStmt *stmt, const char *name, ub4 length) {
   for (OCIBind *bind : zev::Elements<OCIBind>(stmt->binds)) {
-    if (bind->nameLen == length && std::memcmp(bind->name, name, length) == 0) return bind;
+    const bool same = bind->name && bind->nameLen == length &&
+                      std::memcmp(bind->name, name, length) == 0;
+    if (same) return bind;
   }
   return nullptr;
 }

@@ -52,7 +52,7 @@ sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
   // The types that may be empty are still null where empty text is; the program's own indicator
   // then stays as it is.
   sb2 empty = kNull;
-  if (*indicator >= 0 && length == 0 && emptyIsNull(errhp)) indicator = &empty;
+  if (*indicator != kNull && length == 0 && emptyIsNull(errhp)) indicator = &empty;
 
   if (!bind->convert) IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
   zev::ServerParameter parameter{};
@@ -82,7 +82,8 @@ sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration) {
   if (!stmt->paramCount) return OCI_SUCCESS;
   sword status = OCI_SUCCESS;
   for (OCIBind *bind : zev::Elements<OCIBind>(stmt->binds)) {
-    if (!bind || bind == stmt->returnBind) continue;
+    // A bind without a name stands for no placeholder.
+    if (!bind || !bind->name || bind == stmt->returnBind) continue;
     bind->pgValue = nullptr;
     bind->pgLength = 0;
     bind->pgFormat = 0;

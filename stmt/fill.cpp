@@ -174,8 +174,10 @@ sword fill_define_buffers_prefetch(OCIError *errhp, const List *defines,
   if (isNothingToFill(defines, result, nrows, resultRowPos)) return OCI_NO_DATA;
   FetchPlan plan;
   lookUp(plan, defines, result, nullptr);
-  *resultRowPos = rowIndex;
-  return fillRows(plan, errhp, result, 1, resultRowPos, rowsFetched);
+  ub4 position = rowIndex;
+  const sword status = fillRows(plan, errhp, result, 1, &position, rowsFetched);
+  *resultRowPos += position - rowIndex;
+  return status;
 }
 
 sword fill_define_buffers_2(OCIError *errhp, const List *defines, const PGresult *result,

@@ -13,8 +13,8 @@ ZEV_HELPER OCIDefine *find_define(const List *defines, ub4 column);
 ZEV_HELPER sword fill_define_buffers(OCIError *errhp, const List *defines,
                                      const PGresult *result, ub4 nrows, ub4 *resultRowPos,
                                      ub4 *rowsFetched);
-/// As fill_define_buffers for one row, row `rowIndex`, into the first row of the buffers.
-/// OCI_NO_DATA when there is nothing to fill.
+/// As fill_define_buffers for one row, row `rowIndex`, into the first row of the buffers;
+/// `*resultRowPos` only counts it. OCI_NO_DATA when there is nothing to fill.
 ZEV_HELPER sword fill_define_buffers_prefetch(OCIError *errhp, const List *defines,
                                               const PGresult *result, ub4 nrows,
                                               ub4 *resultRowPos, ub4 *rowsFetched,

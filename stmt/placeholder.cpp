@@ -145,7 +145,7 @@ ub4 placeholderLen(const char *text) {
 OCIBind *findBindByName(const char *text, ub4 n, const List *binds) {
   if (!n) return nullptr;
   for (OCIBind *bind : zev::Elements<OCIBind>(binds)) {
-    if (std::strncmp(text, bind->name, n) == 0) return bind;
+    if (bind->name && std::strncmp(text, bind->name, n) == 0) return bind;
   }
   return nullptr;
 }
@@ -153,7 +153,7 @@ OCIBind *findBindByName(const char *text, ub4 n, const List *binds) {
 OCIBind *find_placeholder_bind_handle(const OCIStmt *stmt, const char *name, ub4 length) {
   if (!length) return nullptr;
   for (OCIBind *bind : zev::Elements<OCIBind>(stmt->binds)) {
-    if (oci_strncasecmp(name, bind->name, length) == 0) return bind;
+    if (bind->name && oci_strncasecmp(name, bind->name, length) == 0) return bind;
   }
   return nullptr;
 }

@@ -11,7 +11,8 @@ extern "C" {
 ZEV_HELPER boolean charIsContinuation(int c);
 /// The length, colon included, of the placeholder at `text`, which stands at a ":"; 0 for none.
 ZEV_HELPER ub4 placeholderLen(const char *text);
-/// The first bind whose name agrees with `text` in its first `n` bytes, or null.
+/// The first bind whose name agrees with `text` in its first `n` bytes, or null. A bind that the
+/// program allocated by itself has no name and is none's.
 ZEV_HELPER OCIBind *findBindByName(const char *text, ub4 n, const List *binds);
 /// The same over the binds of a statement, without regard to case.
 ZEV_HELPER OCIBind *find_placeholder_bind_handle(const OCIStmt *stmt, const char *name,
