@@ -10,12 +10,12 @@ enum class Refusal { Error, Ignored };
 
 constexpr ub4 kFirstIgnoredType = 30;
 
-/// Types below 30 that exist elsewhere and have no attributes here; others are let pass, since
-/// programs set attributes of descriptors that do not matter.
+/// Types below 30 that exist elsewhere and have no attributes here; others are let pass,
+/// since programs set attributes of descriptors that do not matter.
 constexpr Refusal refusalOf(ub4 type) {
   if (type >= kFirstIgnoredType) return Refusal::Ignored;
-  return type == OCI_HTYPE_ERROR || type == OCI_HTYPE_DESCRIBE || (type >= 11 && type <= 19) ||
-                 type == 26 || type == 28 || type == 29
+  return type == OCI_HTYPE_ERROR || type == OCI_HTYPE_DESCRIBE ||
+                 (type >= 11 && type <= 19) || type == 26 || type == 28 || type == 29
              ? Refusal::Error
              : Refusal::Ignored;
 }
@@ -29,8 +29,9 @@ void traceSet(const void *handle, ub4 type, const void *value, ub4 size, ub4 att
 
 }  // namespace
 
-extern "C" ZEV_API sword OCIAttrGet(const void *trgthndlp, ub4 trghndltyp, void *attributep,
-                                    ub4 *sizep, ub4 attrtype, OCIError *errhp) {
+extern "C" ZEV_API sword OCIAttrGet(const void *trgthndlp, ub4 trghndltyp,
+                                    void *attributep, ub4 *sizep, ub4 attrtype,
+                                    OCIError *errhp) {
   if (!trgthndlp || !attributep || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   auto *target = static_cast<OCIHandle *>(const_cast<void *>(trgthndlp));
   if (target->parenth && !zev::parentEnv(target)) return OCI_INVALID_HANDLE;
@@ -40,8 +41,8 @@ extern "C" ZEV_API sword OCIAttrGet(const void *trgthndlp, ub4 trghndltyp, void 
   return kind->get(target, attributep, sizep, attrtype, errhp);
 }
 
-extern "C" ZEV_API sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size,
-                                    ub4 attrtype, OCIError *errhp) {
+extern "C" ZEV_API sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep,
+                                    ub4 size, ub4 attrtype, OCIError *errhp) {
   traceSet(trgthndlp, trghndltyp, attributep, size, attrtype);
   if (!trgthndlp || !errhp) return OCI_ERROR;
   auto *target = static_cast<OCIHandle *>(trgthndlp);

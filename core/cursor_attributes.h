@@ -7,7 +7,11 @@
 namespace zev {
 
 /// Which object a SELECT opens on the server.
-enum CursorStrategy : ub4 { kStrategyInherited = 0, kStrategyDeclared = 1, kStrategyPortal = 2 };
+enum CursorStrategy : ub4 {
+  kStrategyInherited = 0,
+  kStrategyDeclared = 1,
+  kStrategyPortal = 2
+};
 
 /// What surrounds the declaration of a cursor.
 enum HoldPolicy : ub4 { kHoldInherited = 0, kHoldPlain = 5, kHoldCommitted = 6 };

@@ -41,7 +41,8 @@ int simpleCommandFailed(const PGresult *result) {
 
 void debugLogCursors(PGconn *conn, const char *where) {
   logListing(conn, "open cursors", where,
-             "SELECT creation_time, name, statement FROM pg_cursors", [](const Columns &c) {
+             "SELECT creation_time, name, statement FROM pg_cursors",
+             [](const Columns &c) {
                ocitrace(kTracePortals, nullptr, "\t(%s) %s - %s\n", c[0], c[1], c[2]);
              });
 }
@@ -68,9 +69,9 @@ void traceMoltaCounters(PGconn *conn) {
     return PQgetvalue(result.get(), row, PQfnumber(result.get(), column));
   };
   for (int row = 0; row < PQntuples(result.get()); ++row) {
-    ocitrace(kTraceWaits, nullptr, "molta, %s, \"%s\", %s, %s, %s\n", value(row, "backend_id"),
-             value(row, "wait_name"), value(row, "num_waits"), value(row, "total_wait"),
-             value(row, "max_wait"));
+    ocitrace(kTraceWaits, nullptr, "molta, %s, \"%s\", %s, %s, %s\n",
+             value(row, "backend_id"), value(row, "wait_name"), value(row, "num_waits"),
+             value(row, "total_wait"), value(row, "max_wait"));
   }
 }
 

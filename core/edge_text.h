@@ -8,12 +8,12 @@
 
 namespace zev {
 
-/// A text argument in the library's encoding. In a UTF-16 environment it owns the converted
-/// block; otherwise it is the caller's bytes, not copied.
+/// A text argument in the library's encoding. In a UTF-16 environment it owns the
+/// converted block; otherwise it is the caller's bytes, not copied.
 class EdgeText {
  public:
-  /// Converts `length` bytes at `source`; a null source is an empty text. Without an environment
-  /// text passes as it stands.
+  /// Converts `length` bytes at `source`; a null source is an empty text. Without an
+  /// environment text passes as it stands.
   EdgeText(const OCIEnv *env, const void *source, std::size_t length);
 
   /// False after a failed conversion.

@@ -1,3 +1,5 @@
+#include "core/env.h"
+
 #include <pthread.h>
 
 #include <atomic>
@@ -5,7 +7,6 @@
 #include <mutex>
 
 #include "core/attribute_value.h"
-#include "core/env.h"
 #include "core/handle_kinds.h"
 #include "core/memory_cache.h"
 #include "zevoci/encodings.h"
@@ -21,7 +22,8 @@ const iconv_t kNoConversion = reinterpret_cast<iconv_t>(-1);
 std::atomic<ub1> O2PEnvIsInitialized{0};
 std::atomic<ub4> O2PEnvMode{0};  // OCI_THREADED and OCI_OBJECT as given
 
-// Accepted from OCIInitialize and never called: all memory comes from the system allocator.
+// Accepted from OCIInitialize and never called: all memory comes from the system
+// allocator.
 std::atomic<void *> O2PCustomMemoryContext{nullptr};
 std::atomic<void *(*)(void *, size_t)> O2PCustomMallocCallback{nullptr};
 std::atomic<void *(*)(void *, void *, size_t)> O2PCustomReallocCallback{nullptr};
@@ -40,7 +42,11 @@ constexpr ub4 kAcceptedModes = kKeptModes | OCI_UTF16;
 constexpr ub4 kInitModes = OCI_NO_MUTEX | OCI_THREADED;
 
 /// Values of the attribute that says whether empty text is null.
-enum VarcharsMode : ub1 { kVarcharsDefault = 0, kVarcharsOracle = 3, kVarcharsServer = 4 };
+enum VarcharsMode : ub1 {
+  kVarcharsDefault = 0,
+  kVarcharsOracle = 3,
+  kVarcharsServer = 4
+};
 
 void storeMemoryCallbacks(void *ctxp, void *(*malocfp)(void *, size_t),
                           void *(*ralocfp)(void *, void *, size_t),
@@ -132,7 +138,8 @@ sword Get_OCIEnv(OCIEnv *env, void *value, ub4 *, ub4 attribute, OCIError *errhp
       zev::putAttribute<ub4>(value, env->mode & OCI_OBJECT ? 1 : 0);
       return OCI_SUCCESS;
     case ZEVOCI_ATTR_VARCHARS:
-      zev::putAttribute<ub1>(value, env->oracleVarchars ? kVarcharsOracle : kVarcharsServer);
+      zev::putAttribute<ub1>(value,
+                             env->oracleVarchars ? kVarcharsOracle : kVarcharsServer);
       return OCI_SUCCESS;
     default:
       return zev::fail(errhp, 24328);
@@ -191,7 +198,8 @@ ZEV_API sword OCIEnvInit(OCIEnv **envhpp, ub4 mode, size_t xtramemsz, void **usr
   if (!(mode & OCI_UTF16) && !zev::settleEncoding(env, 0)) return discardEnv(envhpp);
 
   static std::once_flag keyMade;
-  std::call_once(keyMade, [] { pthread_key_create(&g_ThreadKeyDestructorListIndex, nullptr); });
+  std::call_once(keyMade,
+                 [] { pthread_key_create(&g_ThreadKeyDestructorListIndex, nullptr); });
   return OCI_SUCCESS;
 }
 

@@ -5,8 +5,8 @@
 
 namespace zev {
 
-/// Opens the environment's two conversions between `encodingName` and UTF-8 and turns UTF-16 mode
-/// on. False when the system knows no such conversion.
+/// Opens the environment's two conversions between `encodingName` and UTF-8 and turns
+/// UTF-16 mode on. False when the system knows no such conversion.
 bool openConversions(OCIEnv *env, const char *encodingName);
 
 /// As InitNls; false when memory runs out, and the encoding is then not settled.

@@ -20,10 +20,14 @@ constexpr sword kNotAdded = OCI_INVALID_HANDLE;
 constexpr std::size_t kWorkingText = 1024;
 constexpr const char *kNullResult = "Unexpected NULL PGresult";
 
-char *copyOf(const char *text) { return text ? makeString(text, std::strlen(text)) : nullptr; }
+char *copyOf(const char *text) {
+  return text ? makeString(text, std::strlen(text)) : nullptr;
+}
 
-/// Appends a record of these fields; the texts are copied. 0, or -2 when it cannot be added.
-sword append(OCIError *errhp, ErrorRecord fields, const char *msg, const char *pgMsg = nullptr) {
+/// Appends a record of these fields; the texts are copied. 0, or -2 when it cannot be
+/// added.
+sword append(OCIError *errhp, ErrorRecord fields, const char *msg,
+             const char *pgMsg = nullptr) {
   auto *record = static_cast<ErrorRecord *>(std::malloc(sizeof(ErrorRecord)));
   if (!record) return kNotAdded;
   *record = fields;
@@ -53,9 +57,10 @@ void forgetNotices(const OCIError *errhp) {
 
 sword appendServerError(OCIError *errhp, sb4 severity, const char *sqlstate, sb4 code,
                         const char *msg, const char *pgMsg) {
-  ErrorRecord fields{.content = kHasSeverity | kHasErrcode | kHasMsg | kHasSqlstate | kHasPgMsg,
-                     .severity = severity,
-                     .errcode = code};
+  ErrorRecord fields{
+      .content = kHasSeverity | kHasErrcode | kHasMsg | kHasSqlstate | kHasPgMsg,
+      .severity = severity,
+      .errcode = code};
   std::memcpy(fields.sqlstate, sqlstate, 5);
   fields.sqlstate[5] = '\0';
   return append(errhp, fields, msg, pgMsg);
@@ -77,7 +82,9 @@ bool fillPlaceholder(char (&working)[kWorkingText], const char *filler) {
 
 extern "C" {
 
-OCIError *Alloc_OCIError() { return zev::allocHandle<OCIError>(HANDLE_OCIError); }
+OCIError *Alloc_OCIError() {
+  return zev::allocHandle<OCIError>(HANDLE_OCIError);
+}
 
 void Free_OCIError(OCIError *errhp) {
   if (!zev::asError(errhp)) return;
@@ -86,7 +93,9 @@ void Free_OCIError(OCIError *errhp) {
   zev::freeHandle(errhp);
 }
 
-const char *oci_gettext(const char *text) { return dcgettext(nullptr, text, LC_MESSAGES); }
+const char *oci_gettext(const char *text) {
+  return dcgettext(nullptr, text, LC_MESSAGES);
+}
 
 void ClearErrorHandle(OCIError *errhp) {
   if (!zev::asError(errhp)) return;
@@ -121,8 +130,9 @@ sword AddErrorRecord2(OCIError *errhp, sb4 severity, sb4 code, const char *text)
 
 sword AddErrorRecordMsg(OCIError *errhp, sb4 severity, const char *text) {
   if (!zev::asError(errhp)) return OCI_INVALID_HANDLE;
-  return append(
-      errhp, {.content = kHasSeverity | kHasMsg, .severity = severity, .errcode = -1}, text);
+  return append(errhp,
+                {.content = kHasSeverity | kHasMsg, .severity = severity, .errcode = -1},
+                text);
 }
 
 sword AddErrorRecordStringX(OCIError *errhp, sb4 severity, sb4 code, int count, ...) {
@@ -141,7 +151,8 @@ sword AddErrorRecordStringX(OCIError *errhp, sb4 severity, sb4 code, int count, 
 sword AddPGErrorRecord(OCIError *errhp, sb4 severity, const PGresult *result) {
   if (!errhp) return OCI_ERROR;
   if (!zev::asError(errhp)) return OCI_INVALID_HANDLE;
-  if (!result) return appendServerError(errhp, severity, "08P01", 0, kNullResult, kNullResult);
+  if (!result)
+    return appendServerError(errhp, severity, "08P01", 0, kNullResult, kNullResult);
 
   const char *sqlstate = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   if (!sqlstate || std::strlen(sqlstate) != 5 || std::strncmp(sqlstate, "08", 2) == 0) {
@@ -158,10 +169,12 @@ void finishErr(const ErrorRecord *record, const OCIError *errhp) {
   ocitrace(kTraceErrors, "finishErr", "raising error on handle(%p)\n",
            static_cast<const void *>(errhp));
   const auto has = [record](ErrorContent field) { return record->content & field; };
-  if (has(kHasSeverity)) ocitrace(kTraceErrors, "", "  severity = %d\n", record->severity);
+  if (has(kHasSeverity))
+    ocitrace(kTraceErrors, "", "  severity = %d\n", record->severity);
   if (has(kHasErrcode)) ocitrace(kTraceErrors, "", "  errcode  = %d\n", record->errcode);
   if (has(kHasMsg)) ocitrace(kTraceErrors, "", "  msg      = %s\n", record->msg);
-  if (has(kHasSqlstate)) ocitrace(kTraceErrors, "", "  sqlstate = %s\n", record->sqlstate);
+  if (has(kHasSqlstate))
+    ocitrace(kTraceErrors, "", "  sqlstate = %s\n", record->sqlstate);
   if (has(kHasPgMsg)) ocitrace(kTraceErrors, "", "  pg_msg   = %s\n", record->pg_msg);
 }
 

@@ -173,9 +173,9 @@ static_assert(std::is_sorted(std::begin(kCatalogue), std::end(kCatalogue),
 }  // namespace
 
 const CatalogueEntry *findCatalogueEntry(sb4 code) {
-  const auto *entry =
-      std::lower_bound(std::begin(kCatalogue), std::end(kCatalogue), code,
-                       [](const CatalogueEntry &e, sb4 wanted) { return e.code < wanted; });
+  const auto *entry = std::lower_bound(
+      std::begin(kCatalogue), std::end(kCatalogue), code,
+      [](const CatalogueEntry &e, sb4 wanted) { return e.code < wanted; });
   return entry != std::end(kCatalogue) && entry->code == code ? entry : nullptr;
 }
 

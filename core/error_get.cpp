@@ -38,8 +38,8 @@ void copyTerminated(OraText *out, ub4 size, std::string_view text) {
   out[n] = '\0';
 }
 
-/// Puts `text` into the program's buffer in its encoding; OCI_ERROR when it cannot be converted.
-/// A text without length leaves the buffer alone.
+/// Puts `text` into the program's buffer in its encoding; OCI_ERROR when it cannot be
+/// converted. A text without length leaves the buffer alone.
 sword giveText(const Wanted &wanted, OraText *bufp, ub4 bufsiz, const char *text) {
   if (!bufp || !bufsiz || !text) return OCI_SUCCESS;
   const zev::EdgeResult converted(wanted.env, text, std::strlen(text));
@@ -50,8 +50,8 @@ sword giveText(const Wanted &wanted, OraText *bufp, ub4 bufsiz, const char *text
 
 }  // namespace
 
-extern "C" ZEV_API sword OCIErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate, sb4 *errcodep,
-                                     OraText *bufp, ub4 bufsiz, ub4 type) {
+extern "C" ZEV_API sword OCIErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate,
+                                     sb4 *errcodep, OraText *bufp, ub4 bufsiz, ub4 type) {
   if (!hndlp || !recordno || !errcodep) return OCI_ERROR;
   const Wanted wanted = findErrorHandle(hndlp, type);
   if (wanted.status != OCI_SUCCESS) return wanted.status;
@@ -79,7 +79,8 @@ extern "C" ZEV_API sword OCIErrorGet(void *hndlp, ub4 recordno, OraText *sqlstat
 }
 
 extern "C" ZEV_API sword OCIPGErrorGet(void *hndlp, ub4 recordno, OraText *sqlstate,
-                                       ub4 sqlstatesiz, OraText *bufp, ub4 bufsiz, ub4 type) {
+                                       ub4 sqlstatesiz, OraText *bufp, ub4 bufsiz,
+                                       ub4 type) {
   if (!hndlp || !recordno || !sqlstate) return OCI_ERROR;
   const Wanted wanted = findErrorHandle(hndlp, type);
   if (wanted.status != OCI_SUCCESS) return wanted.status;

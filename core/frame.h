@@ -11,7 +11,7 @@ namespace zev {
 
 /// How the work of a function leaves its frame.
 enum class Leave {
-  AtOnce,               ///< a failure: exit callbacks do not run
+  AtOnce,  ///< a failure: exit callbacks do not run
   ThroughExitCallbacks,
 };
 
@@ -26,8 +26,9 @@ struct FrameRow {
   bool exit = true;
 };
 
-/// Runs `work(status)` inside the frame `row` and returns the status. `arguments` are those of
-/// the exported function, for the callbacks. Exhausted memory in the work is record 16506.
+/// Runs `work(status)` inside the frame `row` and returns the status. `arguments` are
+/// those of the exported function, for the callbacks. Exhausted memory in the work is
+/// record 16506.
 template <class Work, class... Arguments>
 sword runFrame(const FrameRow &row, OCIEnv *env, OCIError *errhp, Work &&work,
                Arguments... arguments) {

@@ -1,4 +1,5 @@
-/// What is particular in the frame of each exported function; deviations read down a column.
+/// What is particular in the frame of each exported function; deviations read down a
+/// column.
 #pragma once
 
 #include "core/frame.h"

@@ -9,7 +9,8 @@
 
 namespace {
 
-// The published handle types that the calls look at, whether or not a kind stands behind them.
+// The published handle types that the calls look at, whether or not a kind stands behind
+// them.
 
 bool isAllocatable(ub4 type) {
   return (type >= OCI_HTYPE_ENV && type <= OCI_HTYPE_TRANS) || type == OCI_HTYPE_SPOOL;
@@ -28,9 +29,12 @@ bool isDescriptorType(ub4 type) {
   return type >= OCI_DTYPE_FIRST && type <= 79 && type != 66 && type != 67 && type != 74;
 }
 
-bool isOnStatement(ub4 type) { return type == OCI_HTYPE_BIND || type == OCI_HTYPE_DEFINE; }
+bool isOnStatement(ub4 type) {
+  return type == OCI_HTYPE_BIND || type == OCI_HTYPE_DEFINE;
+}
 
-/// The environment above the parent that a handle of `type` needs; null for a wrong parent.
+/// The environment above the parent that a handle of `type` needs; null for a wrong
+/// parent.
 OCIEnv *envAbove(void *parenth, ub4 type) {
   if (!isOnStatement(type)) return zev::asEnv(parenth);
   const OCIStmt *stmt = zev::asStmt(parenth);
@@ -47,10 +51,12 @@ bool appendTo(List *&list, void *element) {
 /// Enters a new handle where its owner will find it.
 bool enter(const zev::HandleKind &kind, OCIEnv *env, void *parenth, OCIHandle *handle) {
   switch (kind.registry) {
-    case zev::Registry::Binds: return appendTo(static_cast<OCIStmt *>(parenth)->binds, handle);
+    case zev::Registry::Binds:
+      return appendTo(static_cast<OCIStmt *>(parenth)->binds, handle);
     case zev::Registry::Defines:
       return appendTo(static_cast<OCIStmt *>(parenth)->defines, handle);
-    case zev::Registry::Children: break;
+    case zev::Registry::Children:
+      break;
   }
   return appendTo(env->children, handle);
 }
@@ -162,7 +168,8 @@ extern "C" ZEV_API sword OCIHandleFree(void *hndlp, ub4 type) {
           return zev::Leave::AtOnce;
         }
         env->children = list_delete(env->children, handle);
-        // Does nothing for a handle of another kind, which has left its environment all the same.
+        // Does nothing for a handle of another kind, which has left its environment all
+        // the same.
         kind->free(handle);
         return zev::Leave::ThroughExitCallbacks;
       },
@@ -192,8 +199,10 @@ extern "C" ZEV_API sword OCIDescriptorAlloc(const void *parenth, void **descpp, 
 
 extern "C" ZEV_API sword OCIDescriptorFree(void *descp, ub4 type) {
   auto *descriptor = static_cast<OCIHandle *>(descp);
-  const zev::HandleKind *kind = isDescriptorType(type) ? zev::findHandleKind(type) : nullptr;
-  if (!descriptor || !kind || type == OCI_DTYPE_LOB || descriptor->handleType != kind->tag) {
+  const zev::HandleKind *kind =
+      isDescriptorType(type) ? zev::findHandleKind(type) : nullptr;
+  if (!descriptor || !kind || type == OCI_DTYPE_LOB ||
+      descriptor->handleType != kind->tag) {
     return OCI_INVALID_HANDLE;
   }
   OCIEnv *env = zev::parentEnv(descriptor);

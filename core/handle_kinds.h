@@ -15,7 +15,7 @@ enum class Registry { Children, Binds, Defines };
 
 /// What the library knows about a published handle or descriptor type.
 struct HandleKind {
-  ub4 type;       ///< OCI_HTYPE_* or OCI_DTYPE_*
+  ub4 type;  ///< OCI_HTYPE_* or OCI_DTYPE_*
   HandleTag tag;
   void *(*alloc)();
   void (*free)(void *handle);

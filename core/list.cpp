@@ -30,7 +30,9 @@ List *listOf(void *data) {
 
 extern "C" {
 
-List *new_list() { return listOf(nullptr); }
+List *new_list() {
+  return listOf(nullptr);
+}
 
 List *lappend(List *list, void *data) {
   if (!list) return listOf(data);
@@ -77,9 +79,15 @@ List *list_copy(const List *list) {
   return copy;
 }
 
-ListCell *list_head(const List *list) { return list ? list->head : nullptr; }
-ListCell *list_tail(const List *list) { return list ? list->tail : nullptr; }
-ub4 list_length(const List *list) { return list ? list->length : 0; }
+ListCell *list_head(const List *list) {
+  return list ? list->head : nullptr;
+}
+ListCell *list_tail(const List *list) {
+  return list ? list->tail : nullptr;
+}
+ub4 list_length(const List *list) {
+  return list ? list->length : 0;
+}
 
 int list_member(const List *list, const void *data) {
   for (void *element : zev::Elements<void>(list)) {

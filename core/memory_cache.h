@@ -7,8 +7,8 @@
 
 namespace zev {
 
-/// A block of `size` bytes, not zeroed, appended to `cache`; null for a size of 0 and when memory
-/// runs out.
+/// A block of `size` bytes, not zeroed, appended to `cache`; null for a size of 0 and
+/// when memory runs out.
 inline void *allocateInCache(List *&cache, std::size_t size) {
   void *block = size ? std::malloc(size) : nullptr;
   if (!block) return nullptr;

@@ -58,7 +58,9 @@ constexpr EncodingMatch encoding_match_list[] = {
 
 static_assert(std::size(encoding_match_list) == 73);
 
-char *copyOf(const char *text) { return makeString(text, std::strlen(text)); }
+char *copyOf(const char *text) {
+  return makeString(text, std::strlen(text));
+}
 
 const EncodingMatch *matchSystemName(const char *name) {
   for (const EncodingMatch &row : encoding_match_list) {
@@ -124,7 +126,7 @@ bool initFromLocale(OCIEnv *env) {
 const char *messageDirectory() {
   constexpr const char *kUsual = "/usr/share/locale";
   if (const char *directory = std::getenv("ZEVLOCALEDIR")) return directory;
-  struct stat found{};
+  struct stat found {};
   return stat(kUsual, &found) == 0 && S_ISDIR(found.st_mode) ? kUsual : "";
 }
 

@@ -20,6 +20,8 @@ NoticeScope::~NoticeScope() {
   if (conn_) quieten(conn_);
 }
 
-void NoticeScope::quieten(PGconn *conn) { PQsetNoticeProcessor(conn, traceNotice, nullptr); }
+void NoticeScope::quieten(PGconn *conn) {
+  PQsetNoticeProcessor(conn, traceNotice, nullptr);
+}
 
 }  // namespace zev

@@ -23,8 +23,9 @@ using PgCancel = std::unique_ptr<PGcancel, ClosedBy<PQfreeCancel>>;
 template <class T = char>
 using Malloced = std::unique_ptr<T, ClosedBy<std::free>>;
 
-/// Sends the notices of a connection to an error handle for the time of one call. Outside of
-/// calls they go to the trace, never to standard error. Scopes of one connection do not nest.
+/// Sends the notices of a connection to an error handle for the time of one call. Outside
+/// of calls they go to the trace, never to standard error. Scopes of one connection do
+/// not nest.
 class NoticeScope {
  public:
   NoticeScope(PGconn *conn, OCIError *errhp);
@@ -35,8 +36,8 @@ class NoticeScope {
   /// Leaves the processor as it is until the next scope.
   void leaveInPlace() { conn_ = nullptr; }
 
-  /// Lets the notices of a connection go to the trace: of a new one, and of one whose error handle
-  /// is about to be freed.
+  /// Lets the notices of a connection go to the trace: of a new one, and of one whose
+  /// error handle is about to be freed.
   static void quieten(PGconn *conn);
 
  private:

@@ -52,7 +52,9 @@ static_assert(kSorted.size() == 56);
 
 }  // namespace
 
-sb4 encodeSqlstate(const char *sqlstate) { return encode(sqlstate); }
+sb4 encodeSqlstate(const char *sqlstate) {
+  return encode(sqlstate);
+}
 
 sb4 oracleCodeOf(sb4 encodedSqlstate) {
   const auto *row = std::lower_bound(kSorted.begin(), kSorted.end(),

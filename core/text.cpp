@@ -24,8 +24,12 @@ char *trimmed(const char *text, int ends) {
   return makeString(rest.data(), rest.size());
 }
 
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
+constexpr char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+constexpr char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
 
 template <char (*Fold)(char)>
 char *foldInPlace(char *text) {
@@ -37,9 +41,15 @@ char *foldInPlace(char *text) {
 
 extern "C" {
 
-char *strltrim(const char *text) { return trimmed(text, kLeft); }
-char *strrtrim(const char *text) { return trimmed(text, kRight); }
-char *strtrim(const char *text) { return trimmed(text, kLeft | kRight); }
+char *strltrim(const char *text) {
+  return trimmed(text, kLeft);
+}
+char *strrtrim(const char *text) {
+  return trimmed(text, kRight);
+}
+char *strtrim(const char *text) {
+  return trimmed(text, kLeft | kRight);
+}
 
 char *makeString(const void *text, std::size_t length) {
   auto *copy = static_cast<char *>(std::malloc(length + 1));
@@ -58,11 +68,19 @@ int oci_strncasecmp(const char *a, const char *b, std::size_t n) {
   return 0;
 }
 
-int oci_strcasecmp(const char *a, const char *b) { return oci_strncasecmp(a, b, SIZE_MAX); }
-int oci_stricmp(const char *a, const char *b) { return oci_strcasecmp(a, b); }
+int oci_strcasecmp(const char *a, const char *b) {
+  return oci_strncasecmp(a, b, SIZE_MAX);
+}
+int oci_stricmp(const char *a, const char *b) {
+  return oci_strcasecmp(a, b);
+}
 
-char *str_tolower(char *text) { return foldInPlace<lower>(text); }
-char *str_toupper(char *text) { return foldInPlace<upper>(text); }
+char *str_tolower(char *text) {
+  return foldInPlace<lower>(text);
+}
+char *str_toupper(char *text) {
+  return foldInPlace<upper>(text);
+}
 
 char *oci_strstr(const char *text, const char *wanted) {
   const std::size_t length = std::strlen(wanted);

@@ -51,7 +51,9 @@ std::FILE *oci_debug_log = nullptr;
 std::uint64_t oci_debug_mask = 0xFFFFDFFF;
 int OCI2PQ_TRACE_LEVEL = 0;
 
-int ocitracing(std::uint64_t mask) { return zev::tracing(mask); }
+int ocitracing(std::uint64_t mask) {
+  return zev::tracing(mask);
+}
 
 void ocitrace(std::uint64_t mask, const char *label, const char *format, ...) {
   if (!zev::tracing(mask)) return;
@@ -65,7 +67,8 @@ void ocitrace(std::uint64_t mask, const char *label, const char *format, ...) {
 void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length) {
   if (!zev::tracing(mask)) return;
   if (label) std::fprintf(oci_debug_log, "%s\n", label);
-  std::fprintf(oci_debug_log, "%8s  0  1  2  3  4  5  6  7  8  9  A  B  C  D  E  F\n", "");
+  std::fprintf(oci_debug_log, "%8s  0  1  2  3  4  5  6  7  8  9  A  B  C  D  E  F\n",
+               "");
   if (length <= 0) std::fprintf(oci_debug_log, "%16s\n", "");
   const auto *bytes = static_cast<const unsigned char *>(data);
   for (sb4 offset = 0; offset < length; offset += kBytesPerRow) {

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// What every callback is told as function code and stage, whatever the function and stage are.
+/// What every callback is told as function code and stage, whatever the function and
+/// stage are.
 constexpr ub4 kToldCode = 13;
 constexpr ub4 kToldWhen = OCI_UCBTYPE_ENTRY;
 

@@ -9,12 +9,15 @@ bool isCopy(const PgResult &result) {
   switch (PQresultStatus(result.get())) {
     case PGRES_COPY_IN:
     case PGRES_COPY_OUT:
-    case PGRES_COPY_BOTH: return true;
-    default: return false;
+    case PGRES_COPY_BOTH:
+      return true;
+    default:
+      return false;
   }
 }
 
-/// Takes what an earlier command left; false when a copy is under way, which only PQexec ends.
+/// Takes what an earlier command left; false when a copy is under way, which only PQexec
+/// ends.
 bool isIdle(PGconn *conn) {
   while (const PgResult left = getResult(conn)) {
     if (isCopy(left)) return false;
@@ -22,15 +25,16 @@ bool isIdle(PGconn *conn) {
   return true;
 }
 
-/// Whether `next` only tells that the connection is gone, after an error in the server's words.
+/// Whether `next` only tells that the connection is gone, after an error in the server's
+/// words.
 bool repeatsFailure(const PgResult &kept, const PgResult &next) {
   return PQresultStatus(kept.get()) == PGRES_FATAL_ERROR && kept &&
          PQresultStatus(next.get()) == PGRES_FATAL_ERROR &&
          !PQresultErrorField(next.get(), PG_DIAG_SQLSTATE);
 }
 
-/// The last result of a command, as the client library's own waiting calls give it, but for a
-/// server that goes away: what it said before counts, not that it is gone.
+/// The last result of a command, as the client library's own waiting calls give it, but
+/// for a server that goes away: what it said before counts, not that it is gone.
 PgResult collect(PGconn *conn) {
   PgResult kept;
   while (PgResult next = getResult(conn)) {
@@ -64,7 +68,8 @@ PgResult prepare(PGconn *conn, const char *name, const char *sql, int count,
 
 PgResult execPrepared(PGconn *conn, const char *name, const Parameters &p) {
   if (!isIdle(conn)) return nullptr;
-  return PQsendQueryPrepared(conn, name, p.count, p.values, p.lengths, p.formats, kTextResults)
+  return PQsendQueryPrepared(conn, name, p.count, p.values, p.lengths, p.formats,
+                             kTextResults)
              ? collect(conn)
              : nullptr;
 }
@@ -87,6 +92,8 @@ int sendQueryPrepared(PGconn *conn, const char *name, const Parameters &p) {
                              kTextResults);
 }
 
-PgResult getResult(PGconn *conn) { return PgResult(PQgetResult(conn)); }
+PgResult getResult(PGconn *conn) {
+  return PgResult(PQgetResult(conn));
+}
 
 }  // namespace zev::wire

@@ -1,5 +1,6 @@
-/// The one door for plain commands: whoever sends to or receives from a connection outside the
-/// extended client operations does it here, so that round trips stay countable.
+/// The one door for plain commands: whoever sends to or receives from a connection
+/// outside the extended client operations does it here, so that round trips stay
+/// countable.
 #pragma once
 
 #include <libpq-fe.h>
@@ -20,13 +21,15 @@ struct Parameters {
 /// One round trip each. The result is null when the client library could not even send.
 PgResult exec(PGconn *conn, const char *sql);
 PgResult execParams(PGconn *conn, const char *sql, const Parameters &parameters);
-PgResult prepare(PGconn *conn, const char *name, const char *sql, int count, const Oid *types);
+PgResult prepare(PGconn *conn, const char *name, const char *sql, int count,
+                 const Oid *types);
 PgResult execPrepared(PGconn *conn, const char *name, const Parameters &parameters);
 PgResult describePrepared(PGconn *conn, const char *name);
 PgResult describePortal(PGconn *conn, const char *name);
 
 /// Send without waiting; non-zero when sent.
-int sendPrepare(PGconn *conn, const char *name, const char *sql, int count, const Oid *types);
+int sendPrepare(PGconn *conn, const char *name, const char *sql, int count,
+                const Oid *types);
 int sendQueryPrepared(PGconn *conn, const char *name, const Parameters &parameters);
 
 /// The next result of what was sent, waiting for it; null when there is none left.

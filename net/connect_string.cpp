@@ -6,7 +6,9 @@
 
 namespace {
 
-char *copyOf(std::string_view part) { return makeString(part.data(), part.size()); }
+char *copyOf(std::string_view part) {
+  return makeString(part.data(), part.size());
+}
 
 }  // namespace
 

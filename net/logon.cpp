@@ -41,8 +41,8 @@ sword failArgument(OCIError *errhp, const char *number) {
 
 sword setText(OCISession *session, const OraText *text, ub4 length, ub4 attribute,
               OCIError *errhp) {
-  return OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(text), length, attribute,
-                    errhp);
+  return OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(text), length,
+                    attribute, errhp);
 }
 
 struct Credentials {
@@ -57,9 +57,11 @@ sword beginSession(OCIEnv *env, OCIError *errhp, OCISvcCtx *service,
   Pending<OCISession> session(OCI_HTYPE_SESSION);
   sword status = session.alloc(env);
   if (status != OCI_SUCCESS) return status;
-  status = setText(session.get(), user.username, user.usernameLength, OCI_ATTR_USERNAME, errhp);
+  status = setText(session.get(), user.username, user.usernameLength, OCI_ATTR_USERNAME,
+                   errhp);
   if (status != OCI_SUCCESS) return status;
-  status = setText(session.get(), user.password, user.passwordLength, OCI_ATTR_PASSWORD, errhp);
+  status = setText(session.get(), user.password, user.passwordLength, OCI_ATTR_PASSWORD,
+                   errhp);
   if (status != OCI_SUCCESS) return status;
   status = OCISessionBegin(service, errhp, session.get(), OCI_CRED_RDBMS, OCI_DEFAULT);
   if (status != OCI_SUCCESS && status != OCI_SUCCESS_WITH_INFO) return status;
@@ -92,8 +94,8 @@ extern "C" ZEV_API sword OCILogon(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **sv
   status = service.alloc(envhp);
   if (status != OCI_SUCCESS) return status;
 
-  // From here on the server stays with the environment, also after a failure: a program that
-  // found it through the service context may hold it.
+  // From here on the server stays with the environment, also after a failure: a program
+  // that found it through the service context may hold it.
   OCIServer *kept = server.keep();
   status = OCIAttrSet(service.get(), OCI_HTYPE_SVCCTX, kept, 0, OCI_ATTR_SERVER, errhp);
   if (status != OCI_SUCCESS) return status;
@@ -107,8 +109,8 @@ extern "C" ZEV_API sword OCILogon2(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **s
                                    const OraText *username, ub4 uname_len,
                                    const OraText *password, ub4 passwd_len,
                                    const OraText *dbname, ub4 dbname_len, ub4 mode) {
-  const sword status = OCILogon(envhp, errhp, svchp, username, uname_len, password, passwd_len,
-                                dbname, dbname_len);
+  const sword status = OCILogon(envhp, errhp, svchp, username, uname_len, password,
+                                passwd_len, dbname, dbname_len);
   const bool connected = status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO;
   if (connected && mode & OCI_LOGON2_STMTCACHE && zev::asService(*svchp)) {
     (*svchp)->stmtCacheEnabled = 1;
@@ -120,9 +122,11 @@ extern "C" ZEV_API sword OCILogoff(OCISvcCtx *svchp, OCIError *errhp) {
   if (!zev::asService(svchp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   void *server = nullptr;
   void *session = nullptr;
-  sword status = OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &server, nullptr, OCI_ATTR_SERVER, errhp);
+  sword status =
+      OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &server, nullptr, OCI_ATTR_SERVER, errhp);
   if (status != OCI_SUCCESS) return status;
-  status = OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION, errhp);
+  status =
+      OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION, errhp);
   if (status != OCI_SUCCESS) return status;
 
   OCISessionEnd(svchp, errhp, nullptr, OCI_DEFAULT);

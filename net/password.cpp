@@ -29,7 +29,8 @@ sword findLink(OCISvcCtx *svchp, OCIError *errhp, Link &link) {
   return found;
 }
 
-/// Makes sure that the server is connected; with OCI_AUTH a session is begun where it is not.
+/// Makes sure that the server is connected; with OCI_AUTH a session is begun where it is
+/// not.
 sword connect(OCISvcCtx *svchp, OCIError *errhp, const Link &link, ub4 mode) {
   if (PQstatus(link.server->conn) == CONNECTION_OK) return OCI_SUCCESS;
   if (mode & OCI_AUTH) {
@@ -53,7 +54,8 @@ sword changePassword(const Link &link, OCIError *errhp, const std::string &user,
 extern "C" ZEV_API sword OCIPasswordChange(OCISvcCtx *svchp, OCIError *errhp,
                                            const OraText *user_name, ub4 usernm_len,
                                            const OraText *opasswd, ub4 opasswd_len,
-                                           const OraText *npasswd, ub4 npasswd_len, ub4 mode) {
+                                           const OraText *npasswd, ub4 npasswd_len,
+                                           ub4 mode) {
   if (!zev::asService(svchp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   if (mode != OCI_DEFAULT && !(mode & OCI_AUTH)) return OCI_INVALID_HANDLE;
   ClearErrorHandle(errhp);
@@ -84,11 +86,13 @@ extern "C" ZEV_API sword OCIPasswordChange(OCISvcCtx *svchp, OCIError *errhp,
         outcome = changePassword(link, errhp, userName, terminated(password));
         if (outcome != OCI_SUCCESS) return leaveWith(outcome);
         if (link.session->username && userName == link.session->username) {
-          outcome = OCIAttrSet(link.session, OCI_HTYPE_SESSION, const_cast<OraText *>(npasswd),
-                               npasswd_len, OCI_ATTR_PASSWORD, errhp);
+          outcome =
+              OCIAttrSet(link.session, OCI_HTYPE_SESSION, const_cast<OraText *>(npasswd),
+                         npasswd_len, OCI_ATTR_PASSWORD, errhp);
           if (outcome != OCI_SUCCESS) status = outcome;
         }
         return zev::Leave::ThroughExitCallbacks;
       },
-      svchp, errhp, user_name, usernm_len, opasswd, opasswd_len, npasswd, npasswd_len, mode);
+      svchp, errhp, user_name, usernm_len, opasswd, opasswd_len, npasswd, npasswd_len,
+      mode);
 }

@@ -18,8 +18,8 @@ void release(char *&text) {
 }
 
 void forgetAddress(OCIServer *server) {
-  for (char **part : {&server->dblink, &server->host, &server->port, &server->dbname,
-                      &server->uri}) {
+  for (char **part :
+       {&server->dblink, &server->host, &server->port, &server->dbname, &server->uri}) {
     release(*part);
   }
   server->dblinkLen = 0;
@@ -42,15 +42,15 @@ sword resolve(OCIServer *server, OCIError *errhp, const zev::EdgeText &dblink) {
   if (!server->dblink) return zev::fail(errhp, 16506);
   server->dblinkLen = static_cast<ub4>(dblink.size());
   const boolean understood =
-      parse_connect_str(server->dblink, static_cast<sb4>(server->dblinkLen), &server->host,
-                        &server->port, &server->dbname, &server->uri);
+      parse_connect_str(server->dblink, static_cast<sb4>(server->dblinkLen),
+                        &server->host, &server->port, &server->dbname, &server->uri);
   if (!understood) return zev::fail(errhp, 12154);
   return isComplete(server) ? OCI_SUCCESS : zev::fail(errhp, 16506);
 }
 
 /// Where to connect: what the connect string says, or the defaults.
-sword settleAddress(OCIServer *server, OCIError *errhp, const OCIEnv *env, const OraText *dblink,
-                    sb4 length) {
+sword settleAddress(OCIServer *server, OCIError *errhp, const OCIEnv *env,
+                    const OraText *dblink, sb4 length) {
   forgetAddress(server);
   if (dblink && length > 0) {
     const zev::EdgeText edge(env, dblink, static_cast<std::size_t>(length));
@@ -113,7 +113,8 @@ void Free_OCIServer(OCIServer *server) {
   zev::freeHandle(server);
 }
 
-sword Get_OCIServer(OCIServer *server, void *value, ub4 *, ub4 attribute, OCIError *errhp) {
+sword Get_OCIServer(OCIServer *server, void *value, ub4 *, ub4 attribute,
+                    OCIError *errhp) {
   if (!zev::asServer(server) || !zev::asError(errhp) || !value) return OCI_INVALID_HANDLE;
   switch (attribute) {
     case OCI_ATTR_NONBLOCKING_MODE:

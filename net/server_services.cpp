@@ -13,7 +13,8 @@ namespace {
 // What this library reports as the client's version, whatever the server.
 constexpr sword kClientVersion[] = {11, 0, 1, 1, 0};
 
-/// The server that a break or reset means: the handle itself, or that of a service context.
+/// The server that a break or reset means: the handle itself, or that of a service
+/// context.
 OCIServer *serverOf(void *hndlp) {
   if (const OCISvcCtx *svchp = zev::asService(hndlp)) return svchp->server;
   return zev::asServer(hndlp);

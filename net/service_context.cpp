@@ -38,7 +38,9 @@ void traceLink(const OCISvcCtx *svchp, const char *field, const void *link) {
 
 extern "C" {
 
-OCISvcCtx *Alloc_OCISvcCtx() { return zev::allocHandle<OCISvcCtx>(HANDLE_OCISvcCtx); }
+OCISvcCtx *Alloc_OCISvcCtx() {
+  return zev::allocHandle<OCISvcCtx>(HANDLE_OCISvcCtx);
+}
 
 void Free_OCISvcCtx(OCISvcCtx *svchp) {
   if (!zev::asService(svchp)) return;
@@ -62,13 +64,18 @@ sword Get_OCISvcCtx(OCISvcCtx *svchp, void *value, ub4 *size, ub4 attribute,
   if (!zev::asService(svchp) || !zev::asError(errhp)) return OCI_ERROR;
   if (!value) return OCI_INVALID_HANDLE;
   switch (attribute) {
-    case OCI_ATTR_ENV: return getLink(value, svchp->parenth, HANDLE_OCIEnv);
-    case OCI_ATTR_SERVER: return getLink(value, svchp->server, HANDLE_OCIServer);
-    case OCI_ATTR_SESSION: return getLink(value, svchp->session, HANDLE_OCISession);
+    case OCI_ATTR_ENV:
+      return getLink(value, svchp->parenth, HANDLE_OCIEnv);
+    case OCI_ATTR_SERVER:
+      return getLink(value, svchp->server, HANDLE_OCIServer);
+    case OCI_ATTR_SESSION:
+      return getLink(value, svchp->session, HANDLE_OCISession);
     case OCI_ATTR_TRANS:
     case OCI_ATTR_IN_V8_MODE:
-    case OCI_ATTR_STMTCACHESIZE: return OCI_SUCCESS;
-    default: return OCI_ERROR;
+    case OCI_ATTR_STMTCACHESIZE:
+      return OCI_SUCCESS;
+    default:
+      return OCI_ERROR;
   }
 }
 
@@ -84,8 +91,10 @@ sword Set_OCISvcCtx(OCISvcCtx *svchp, void *value, ub4, ub4 attribute, OCIError 
     case OCI_ATTR_TRANS:
       svchp->trans = static_cast<OCITrans *>(value);
       return OCI_SUCCESS;
-    case OCI_ATTR_STMTCACHESIZE: return OCI_SUCCESS;
-    default: return OCI_ERROR;
+    case OCI_ATTR_STMTCACHESIZE:
+      return OCI_SUCCESS;
+    default:
+      return OCI_ERROR;
   }
 }
 

@@ -22,20 +22,25 @@ sb4 gDBServerVersion = 0;
 namespace {
 
 /// Attributes that programs set without caring whether they have an effect.
-constexpr ub4 kIgnoredAttributes[] = {86, 99, 100, 169, 273, 275, 276, 277, 278, 300, 367, 368,
-                                      369};
+constexpr ub4 kIgnoredAttributes[] = {86,  99,  100, 169, 273, 275, 276,
+                                      277, 278, 300, 367, 368, 369};
 
 /// Where a text attribute is kept; null for other attributes.
 char **textAttribute(OCISession *session, ub4 attribute) {
   switch (attribute) {
-    case OCI_ATTR_USERNAME: return &session->username;
-    case OCI_ATTR_PASSWORD: return &session->password;
-    case OCI_ATTR_MODULE: return &session->module;
-    default: return nullptr;
+    case OCI_ATTR_USERNAME:
+      return &session->username;
+    case OCI_ATTR_PASSWORD:
+      return &session->password;
+    case OCI_ATTR_MODULE:
+      return &session->module;
+    default:
+      return nullptr;
   }
 }
 
-sword setText(OCISession *session, char *&kept, const void *value, ub4 size, ub4 attribute) {
+sword setText(OCISession *session, char *&kept, const void *value, ub4 size,
+              ub4 attribute) {
   std::free(kept);
   kept = nullptr;
   if (!value || !size) return OCI_SUCCESS;
@@ -109,12 +114,14 @@ sword beginSession(OCISvcCtx *svchp, OCIError *errhp, const OCISession *session)
   const OCIEnv *env = zev::parentEnv(svchp);
   if (!server || !server->attached) return zev::fail(errhp, 24314);
   const auto shown = [](const char *text) { return text ? text : "(null)"; };
-  ocitrace(kTraceSession, kLabel, "host [%s] port [%s] db [%s], user [%s] app [%s] uri [%s]\n",
+  ocitrace(kTraceSession, kLabel,
+           "host [%s] port [%s] db [%s], user [%s] app [%s] uri [%s]\n",
            shown(server->host), shown(server->port), shown(server->dbname),
            shown(session->username), shown(session->module), shown(server->uri));
 
   // A connection that broke is of no use to anybody; one that works is left as it is.
-  if (server->conn && PQstatus(server->conn) == CONNECTION_BAD) zev::closeConnection(server);
+  if (server->conn && PQstatus(server->conn) == CONNECTION_BAD)
+    zev::closeConnection(server);
   server->conn = connect(server, session);
   if (PQstatus(server->conn) != CONNECTION_OK) {
     zev::fail(errhp, 12154, PQerrorMessage(server->conn));
@@ -142,13 +149,15 @@ sword beginSession(OCISvcCtx *svchp, OCIError *errhp, const OCISession *session)
   return OCI_SUCCESS;
 }
 
-sword endSession(OCIEnv *env, OCISvcCtx *svchp, OCIError *errhp, const OCISession *usrhp) {
+sword endSession(OCIEnv *env, OCISvcCtx *svchp, OCIError *errhp,
+                 const OCISession *usrhp) {
   OCIServer *server = nullptr;
   sword status = getServerHandleFromService(&server, svchp, errhp);
   if (status != OCI_SUCCESS) return status;
   if (!usrhp) {
     void *session = nullptr;
-    status = OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION, errhp);
+    status =
+        OCIAttrGet(svchp, OCI_HTYPE_SVCCTX, &session, nullptr, OCI_ATTR_SESSION, errhp);
     if (status != OCI_SUCCESS) return status;
   }
   markCursorsClosed(env, server);
@@ -161,7 +170,9 @@ sword endSession(OCIEnv *env, OCISvcCtx *svchp, OCIError *errhp, const OCISessio
 
 extern "C" {
 
-OCISession *Alloc_OCISession() { return zev::allocHandle<OCISession>(HANDLE_OCISession); }
+OCISession *Alloc_OCISession() {
+  return zev::allocHandle<OCISession>(HANDLE_OCISession);
+}
 
 void Free_OCISession(OCISession *session) {
   if (!zev::asSession(session)) return;
@@ -171,7 +182,8 @@ void Free_OCISession(OCISession *session) {
       if (svchp && svchp->session == session) svchp->session = nullptr;
     }
   }
-  for (char *text : {session->username, session->password, session->module}) std::free(text);
+  for (char *text : {session->username, session->password, session->module})
+    std::free(text);
   zev::freeListAndMembers(session->owned);
   zev::freeHandle(session);
 }
@@ -189,13 +201,14 @@ sword Set_OCISession(OCISession *session, void *value, ub4 size, ub4 attribute,
   if (char **kept = textAttribute(session, attribute)) {
     return setText(session, *kept, value, size, attribute);
   }
-  const bool ignored = std::find(std::begin(kIgnoredAttributes), std::end(kIgnoredAttributes),
-                                 attribute) != std::end(kIgnoredAttributes);
+  const bool ignored =
+      std::find(std::begin(kIgnoredAttributes), std::end(kIgnoredAttributes),
+                attribute) != std::end(kIgnoredAttributes);
   return ignored ? OCI_SUCCESS : OCI_ERROR;
 }
 
-ZEV_API sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 credt,
-                              ub4 mode) {
+ZEV_API sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp,
+                              ub4 credt, ub4 mode) {
   if (!zev::asService(svchp) || !zev::asError(errhp) || !zev::asSession(usrhp)) {
     return OCI_INVALID_HANDLE;
   }
@@ -219,7 +232,8 @@ ZEV_API sword OCISessionBegin(OCISvcCtx *svchp, OCIError *errhp, OCISession *usr
       svchp, errhp, usrhp, credt, mode);
 }
 
-ZEV_API sword OCISessionEnd(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp, ub4 mode) {
+ZEV_API sword OCISessionEnd(OCISvcCtx *svchp, OCIError *errhp, OCISession *usrhp,
+                            ub4 mode) {
   if (!zev::asService(svchp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(svchp);
   if (!env) return OCI_INVALID_HANDLE;

@@ -28,7 +28,8 @@ bool isBindMode(ub4 mode) {
   return mode == OCI_DEFAULT || mode == OCI_DATA_AT_EXEC || mode == OCI_BIND_SOFT;
 }
 
-/// The value buffer of a bind; for a result set the statement that the program's pointer leads to.
+/// The value buffer of a bind; for a result set the statement that the program's pointer
+/// leads to.
 void *valueOf(const BindArguments &arguments) {
   if (arguments.dty != SQLT_RSET || !arguments.valuep) return arguments.valuep;
   return *static_cast<void **>(arguments.valuep);
@@ -43,8 +44,8 @@ void storeBuffers(OCIBind *bind, const BindArguments &arguments) {
   bind->curelep = arguments.curelep;
 }
 
-/// A bind of the program's buffers, or of callbacks that will give them; `position` is the
-/// parameter's place as far as the server has described it.
+/// A bind of the program's buffers, or of callbacks that will give them; `position` is
+/// the parameter's place as far as the server has described it.
 void storeBind(OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments, ub4 position,
                void *dynamicValue) {
   const bool dynamic = arguments.mode == OCI_DATA_AT_EXEC;
@@ -62,7 +63,8 @@ void storeBind(OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments, ub4
   bind->convert = nullptr;
 }
 
-/// Gives an executed bind new buffers; OCI_ERROR when it is not one of this type and size.
+/// Gives an executed bind new buffers; OCI_ERROR when it is not one of this type and
+/// size.
 sword rebind(const OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments) {
   const bool fits = zev::asBind(bind) && bind->dty == arguments.dty &&
                     bind->valueSize == arguments.valueSize && stmt->executed;
@@ -72,7 +74,8 @@ sword rebind(const OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments)
   return OCI_SUCCESS;
 }
 
-/// A new bind of the statement under a copy of `name`; null with the failure in `*status`.
+/// A new bind of the statement under a copy of `name`; null with the failure in
+/// `*status`.
 OCIBind *newBind(OCIStmt *stmt, OCIError *errhp, const char *name, ub4 length,
                  sword *status) {
   void *made = nullptr;
@@ -88,7 +91,8 @@ OCIBind *newBind(OCIStmt *stmt, OCIError *errhp, const char *name, ub4 length,
   return nullptr;
 }
 
-/// Whether the statement's text holds the placeholder, also as the beginning of a longer one.
+/// Whether the statement's text holds the placeholder, also as the beginning of a longer
+/// one.
 bool textHolds(const OCIStmt *stmt, const std::string &placeholder) {
   if (!stmt->stmtText) return false;
   for (const char *p = std::strchr(stmt->stmtText, ':'); p; p = std::strchr(p + 1, ':')) {
@@ -105,8 +109,8 @@ std::size_t measure(const OCIEnv *env, const OraText *name) {
   return length;
 }
 
-sword bindByName(OCIStmt *stmt, OCIBind **bindpp, OCIError *errhp, const std::string &name,
-                 const BindArguments &arguments) {
+sword bindByName(OCIStmt *stmt, OCIBind **bindpp, OCIError *errhp,
+                 const std::string &name, const BindArguments &arguments) {
   if (!textHolds(stmt, name)) return zev::fail(errhp, 16952);
   const auto length = static_cast<ub4>(name.size());
   if (arguments.mode == OCI_BIND_SOFT) {
@@ -184,7 +188,9 @@ zev::Leave leaveWith(sword &status, sword outcome) {
 
 extern "C" {
 
-OCIBind *Alloc_OCIBind() { return zev::allocHandle<OCIBind>(HANDLE_OCIBind); }
+OCIBind *Alloc_OCIBind() {
+  return zev::allocHandle<OCIBind>(HANDLE_OCIBind);
+}
 
 void Free_OCIBind(OCIBind *bind) {
   if (!zev::asBind(bind)) return;
@@ -193,8 +199,12 @@ void Free_OCIBind(OCIBind *bind) {
   zev::freeHandle(bind);
 }
 
-sword Get_OCIBind(OCIBind *, void *, ub4 *, ub4, OCIError *) { return OCI_ERROR; }
-sword Set_OCIBind(OCIBind *, void *, ub4, ub4, OCIError *) { return OCI_ERROR; }
+sword Get_OCIBind(OCIBind *, void *, ub4 *, ub4, OCIError *) {
+  return OCI_ERROR;
+}
+sword Set_OCIBind(OCIBind *, void *, ub4, ub4, OCIError *) {
+  return OCI_ERROR;
+}
 
 ZEV_API sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
                             const OraText *placeholder, sb4 placeh_len, void *valuep,
@@ -211,22 +221,23 @@ ZEV_API sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
   return zev::runFrame(
       zev::frame::kBindByName, env, errhp,
       [&](sword &status) {
-        const std::size_t length =
-            placeh_len < 0 ? measure(env, placeholder) : static_cast<std::size_t>(placeh_len);
+        const std::size_t length = placeh_len < 0 ? measure(env, placeholder)
+                                                  : static_cast<std::size_t>(placeh_len);
         const zev::EdgeText edge(env, placeholder, length);
         if (!edge) return leaveWith(status, edge.fail(errhp));
-        return leaveWith(status,
-                         bindByName(stmtp, bindpp, errhp, std::string(edge.view()),
-                                    {valuep, value_sz, dty, indp, alenp, rcodep, maxarr_len,
-                                     curelep, mode}));
+        return leaveWith(
+            status, bindByName(stmtp, bindpp, errhp, std::string(edge.view()),
+                               {valuep, value_sz, dty, indp, alenp, rcodep, maxarr_len,
+                                curelep, mode}));
       },
-      stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz, dty, indp, alenp, rcodep,
-      maxarr_len, curelep, mode);
+      stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz, dty, indp, alenp,
+      rcodep, maxarr_len, curelep, mode);
 }
 
-ZEV_API sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub4 position,
-                           void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *alenp,
-                           ub2 *rcodep, ub4 maxarr_len, ub4 *curelep, ub4 mode) {
+ZEV_API sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
+                           ub4 position, void *valuep, sb4 value_sz, ub2 dty, void *indp,
+                           ub2 *alenp, ub2 *rcodep, ub4 maxarr_len, ub4 *curelep,
+                           ub4 mode) {
   if (!bindpp || !position || !zev::asStmt(stmtp) || !zev::asError(errhp)) {
     return OCI_INVALID_HANDLE;
   }
@@ -237,17 +248,17 @@ ZEV_API sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub
   return zev::runFrame(
       zev::frame::kBindByPos, env, errhp,
       [&](sword &status) {
-        return leaveWith(status,
-                         bindByPos(stmtp, bindpp, errhp, position,
-                                   {valuep, value_sz, dty, indp, alenp, rcodep, maxarr_len,
-                                    curelep, mode}));
+        return leaveWith(status, bindByPos(stmtp, bindpp, errhp, position,
+                                           {valuep, value_sz, dty, indp, alenp, rcodep,
+                                            maxarr_len, curelep, mode}));
       },
-      stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp, rcodep, maxarr_len,
-      curelep, mode);
+      stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp, rcodep,
+      maxarr_len, curelep, mode);
 }
 
 ZEV_API sword OCIBindDynamic(OCIBind *bindp, OCIError *errhp, void *ictxp,
-                             OCICallbackInBind icbfp, void *octxp, OCICallbackOutBind ocbfp) {
+                             OCICallbackInBind icbfp, void *octxp,
+                             OCICallbackOutBind ocbfp) {
   if (!zev::asBind(bindp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::climbToEnv(bindp);
   if (!env) return OCI_INVALID_HANDLE;
@@ -266,8 +277,8 @@ ZEV_API sword OCIBindDynamic(OCIBind *bindp, OCIError *errhp, void *ictxp,
       bindp, errhp, ictxp, icbfp, octxp, ocbfp);
 }
 
-ZEV_API sword OCIBindArrayOfStruct(OCIBind *bindp, OCIError *errhp, ub4 pvskip, ub4 indskip,
-                                   ub4 alskip, ub4 rcskip) {
+ZEV_API sword OCIBindArrayOfStruct(OCIBind *bindp, OCIError *errhp, ub4 pvskip,
+                                   ub4 indskip, ub4 alskip, ub4 rcskip) {
   if (!zev::asBind(bindp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIStmt *stmt = zev::asStmt(bindp->parenth);
   if (!stmt) return OCI_INVALID_HANDLE;

@@ -32,7 +32,9 @@ RowBuffers rowBuffers(const OCIBind *bind, ub4 iteration) {
           rowOf(bind->alenp, iteration, isStruct ? bind->alskip : sizeof(ub2))};
 }
 
-bool mayBeEmpty(ub2 dty) { return dty == SQLT_STR || dty == SQLT_AFC || dty == SQLT_AVC; }
+bool mayBeEmpty(ub2 dty) {
+  return dty == SQLT_STR || dty == SQLT_AFC || dty == SQLT_AVC;
+}
 
 bool emptyIsNull(const OCIError *errhp) {
   const OCIEnv *env = zev::asEnv(errhp->parenth);
@@ -49,15 +51,17 @@ sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
   if (*indicator != kNull && (!row.value || (length == 0 && !mayBeEmpty(bind->dty)))) {
     *indicator = kNull;
   }
-  // The types that may be empty are still null where empty text is; the program's own indicator
-  // then stays as it is.
+  // The types that may be empty are still null where empty text is; the program's own
+  // indicator then stays as it is.
   sb2 empty = kNull;
   if (*indicator != kNull && length == 0 && emptyIsNull(errhp)) indicator = &empty;
 
-  if (!bind->convert) IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
+  if (!bind->convert)
+    IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
   zev::ServerParameter parameter{};
-  const sword status = zev::convertBound(errhp, bind->convert, bind->pgType,
-                                         {bind->dty, row.value, length, indicator}, parameter);
+  const sword status =
+      zev::convertBound(errhp, bind->convert, bind->pgType,
+                        {bind->dty, row.value, length, indicator}, parameter);
   bind->pgValue = static_cast<char *>(parameter.value);
   bind->pgLength = parameter.length;
   bind->pgFormat = parameter.format;
@@ -71,7 +75,9 @@ sword convertDynamic(const OCIBind *bind, OCIError *errhp) {
   return zev::fail(errhp, 3001);
 }
 
-bool stopsWalk(sword status) { return status < 0 || status > OCI_SUCCESS_WITH_INFO; }
+bool stopsWalk(sword status) {
+  return status < 0 || status > OCI_SUCCESS_WITH_INFO;
+}
 
 }  // namespace
 
@@ -88,7 +94,8 @@ sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration) {
     bind->pgLength = 0;
     bind->pgFormat = 0;
     ocitrace(kTraceBindData, "GetOCIBindData", "processing parameter %s\n", bind->name);
-    status = bind->isDynamic ? convertDynamic(bind, errhp) : convertRow(bind, errhp, iteration);
+    status = bind->isDynamic ? convertDynamic(bind, errhp)
+                             : convertRow(bind, errhp, iteration);
     if (stopsWalk(status)) {
       release_binds_pgdata(stmt->binds);
       return status;
@@ -97,7 +104,8 @@ sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration) {
   return status;
 }
 
-sword bindPgValues(List **placeholderBinds, char ***values, int **lengths, int **formats) {
+sword bindPgValues(List **placeholderBinds, char ***values, int **lengths,
+                   int **formats) {
   const ub4 count = list_length(*placeholderBinds);
   *values = static_cast<char **>(std::malloc(count * sizeof(char *)));
   *lengths = static_cast<int *>(std::malloc(count * sizeof(int)));
@@ -124,7 +132,8 @@ void release_binds_pgdata(List *binds) {
 
 namespace zev {
 
-ParameterArrays::ParameterArrays(const List *placeholderBinds) : binds_(placeholderBinds) {
+ParameterArrays::ParameterArrays(const List *placeholderBinds)
+    : binds_(placeholderBinds) {
   const ub4 count = list_length(placeholderBinds);
   values_.resize(count);
   lengths_.resize(count);

@@ -7,11 +7,11 @@
 #include "zevoci/statement.h"
 
 extern "C" {
-/// Converts row `iteration` of every bind of a statement. 0, 1, or the failing status, with no
-/// value left behind then.
+/// Converts row `iteration` of every bind of a statement. 0, 1, or the failing status,
+/// with no value left behind then.
 ZEV_HELPER sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration);
-/// Makes new arrays of the converted values of `*placeholderBinds`, in "$n" order. The caller
-/// frees the arrays; the values stay with the binds. -1 when memory runs out.
+/// Makes new arrays of the converted values of `*placeholderBinds`, in "$n" order. The
+/// caller frees the arrays; the values stay with the binds. -1 when memory runs out.
 ZEV_HELPER sword bindPgValues(List **placeholderBinds, char ***values, int **lengths,
                               int **formats);
 /// Frees the converted value of each bind.

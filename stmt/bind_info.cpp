@@ -8,7 +8,8 @@
 
 namespace {
 
-/// The program's arrays; each may be null. Answers go to the index of the placeholder's number.
+/// The program's arrays; each may be null. Answers go to the index of the placeholder's
+/// number.
 struct InfoArrays {
   ub4 size;
   OraText **names;
@@ -25,11 +26,13 @@ void put(T *array, ub4 index, T value) {
 }
 
 /// A copy of a name, in the program's encoding, that lives as long as the environment.
-sword giveName(OCIEnv *env, OCIError *errhp, const char *name, ub4 length, OraText **out) {
+sword giveName(OCIEnv *env, OCIError *errhp, const char *name, ub4 length,
+               OraText **out) {
   const zev::EdgeResult edge(env, name, length);
   if (!edge) return edge.fail(errhp);
   const std::size_t terminator = env->utf16 ? 2 : 1;
-  auto *copy = static_cast<OraText *>(AllocateMemFromEnvCache(env, edge.size() + terminator));
+  auto *copy =
+      static_cast<OraText *>(AllocateMemFromEnvCache(env, edge.size() + terminator));
   if (!copy) return zev::fail(errhp, 16506);
   std::memcpy(copy, edge.data(), edge.size());
   std::memset(copy + edge.size(), 0, terminator);
@@ -41,8 +44,8 @@ sword describe(OCIStmt *stmt, OCIError *errhp, const char *placeholder, ub4 inde
                const InfoArrays &arrays) {
   const auto length = static_cast<ub4>(std::strcspn(placeholder, PLACEHOLDER_DELIMITERS));
   if (arrays.names) {
-    const sword status = giveName(zev::parentEnv(stmt), errhp, placeholder + 1, length - 1,
-                                  &arrays.names[index]);
+    const sword status = giveName(zev::parentEnv(stmt), errhp, placeholder + 1,
+                                  length - 1, &arrays.names[index]);
     if (status != OCI_SUCCESS) return status;
   }
   put(arrays.nameLengths, index, static_cast<ub1>(length - 1));
@@ -70,8 +73,8 @@ sword describeAll(OCIStmt *stmt, OCIError *errhp, ub4 startloc, const InfoArrays
 
 extern "C" ZEV_API sword OCIStmtGetBindInfo(OCIStmt *stmtp, OCIError *errhp, ub4 size,
                                             ub4 startloc, sb4 *found, OraText *bvnp[],
-                                            ub1 bvnl[], OraText *invp[], ub1 inpl[], ub1 dupl[],
-                                            OCIBind **hndl) {
+                                            ub1 bvnl[], OraText *invp[], ub1 inpl[],
+                                            ub1 dupl[], OCIBind **hndl) {
   if (!zev::asStmt(stmtp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(stmtp);
   if (!env) return OCI_INVALID_HANDLE;

@@ -29,8 +29,8 @@ void storeBuffers(OCIDefine *define, const DefineArguments &arguments) {
   define->rcodep = arguments.rcodep;
 }
 
-/// Gives the define of an executed statement new buffers; OCI_ERROR when it is not one of this
-/// type and size.
+/// Gives the define of an executed statement new buffers; OCI_ERROR when it is not one of
+/// this type and size.
 sword redefine(const OCIStmt *stmt, OCIDefine *define, const DefineArguments &arguments) {
   const bool fits = zev::asDefine(define) && define->dty == arguments.dty &&
                     define->valueSize == static_cast<ub4>(arguments.valueSize) &&
@@ -81,18 +81,24 @@ sword change(const zev::FrameRow &row, OCIDefine *defnp, OCIError *errhp, Store 
 
 extern "C" {
 
-OCIDefine *Alloc_OCIDefine() { return zev::allocHandle<OCIDefine>(HANDLE_OCIDefine); }
+OCIDefine *Alloc_OCIDefine() {
+  return zev::allocHandle<OCIDefine>(HANDLE_OCIDefine);
+}
 
 void Free_OCIDefine(OCIDefine *define) {
   if (zev::asDefine(define)) zev::freeHandle(define);
 }
 
-sword Get_OCIDefine(OCIDefine *, void *, ub4 *, ub4, OCIError *) { return OCI_ERROR; }
-sword Set_OCIDefine(OCIDefine *, void *, ub4, ub4, OCIError *) { return OCI_ERROR; }
+sword Get_OCIDefine(OCIDefine *, void *, ub4 *, ub4, OCIError *) {
+  return OCI_ERROR;
+}
+sword Set_OCIDefine(OCIDefine *, void *, ub4, ub4, OCIError *) {
+  return OCI_ERROR;
+}
 
-ZEV_API sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp, ub4 position,
-                             void *valuep, sb4 value_sz, ub2 dty, void *indp, ub2 *rlenp,
-                             ub2 *rcodep, ub4 mode) {
+ZEV_API sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp,
+                             ub4 position, void *valuep, sb4 value_sz, ub2 dty,
+                             void *indp, ub2 *rlenp, ub2 *rcodep, ub4 mode) {
   if (!position || !defnpp || !IsValidOraDataType(dty) || !zev::asStmt(stmtp) ||
       !zev::asError(errhp)) {
     return OCI_INVALID_HANDLE;
@@ -106,8 +112,9 @@ ZEV_API sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp
       [&](sword &status) {
         const DefineArguments arguments{position, valuep, value_sz, dty,
                                         indp,     rlenp,  rcodep,   mode};
-        const sword outcome = mode == OCI_DEFINE_SOFT ? redefine(stmtp, *defnpp, arguments)
-                                                      : define(stmtp, defnpp, arguments);
+        const sword outcome = mode == OCI_DEFINE_SOFT
+                                  ? redefine(stmtp, *defnpp, arguments)
+                                  : define(stmtp, defnpp, arguments);
         zev::forgetFetchPlan(stmtp);
         if (outcome == OCI_SUCCESS) return zev::Leave::ThroughExitCallbacks;
         status = outcome;
@@ -116,28 +123,30 @@ ZEV_API sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp
       stmtp, defnpp, errhp, position, valuep, value_sz, dty, indp, rlenp, rcodep, mode);
 }
 
-ZEV_API sword OCIDefineArrayOfStruct(OCIDefine *defnp, OCIError *errhp, ub4 pvskip, ub4 indskip,
-                                     ub4 rlskip, ub4 rcskip) {
-  return change(zev::frame::kDefineArrayOfStruct, defnp, errhp,
-                [&] {
-                  defnp->isStruct = 1;
-                  defnp->pvskip = pvskip;
-                  defnp->indskip = indskip;
-                  defnp->alskip = rlskip;
-                  defnp->rcskip = rcskip;
-                },
-                pvskip, indskip, rlskip, rcskip);
+ZEV_API sword OCIDefineArrayOfStruct(OCIDefine *defnp, OCIError *errhp, ub4 pvskip,
+                                     ub4 indskip, ub4 rlskip, ub4 rcskip) {
+  return change(
+      zev::frame::kDefineArrayOfStruct, defnp, errhp,
+      [&] {
+        defnp->isStruct = 1;
+        defnp->pvskip = pvskip;
+        defnp->indskip = indskip;
+        defnp->alskip = rlskip;
+        defnp->rcskip = rcskip;
+      },
+      pvskip, indskip, rlskip, rcskip);
 }
 
 ZEV_API sword OCIDefineDynamic(OCIDefine *defnp, OCIError *errhp, void *octxp,
                                OCICallbackDefine ocbfp) {
-  return change(zev::frame::kDefineDynamic, defnp, errhp,
-                [&] {
-                  defnp->isDynamic = 1;
-                  defnp->ocbfpDef = ocbfp;
-                  defnp->ocbctxDef = octxp;
-                },
-                octxp, ocbfp);
+  return change(
+      zev::frame::kDefineDynamic, defnp, errhp,
+      [&] {
+        defnp->isDynamic = 1;
+        defnp->ocbfpDef = ocbfp;
+        defnp->ocbctxDef = octxp;
+      },
+      octxp, ocbfp);
 }
 
 }  // extern "C"

@@ -20,9 +20,12 @@ bool skipsPreparation(ub2 type) {
 }
 
 /// Whether a statement of the plain road ends its transaction.
-bool commitsItself(ub2 type) { return type != STMT_UNKNOWN; }
+bool commitsItself(ub2 type) {
+  return type != STMT_UNKNOWN;
+}
 
-/// Whether every statement but a SELECT commits what went before it; settled by the first.
+/// Whether every statement but a SELECT commits what went before it; settled by the
+/// first.
 bool commitsBefore() {
   static const bool ddl_commit = std::getenv("OCI_DDL_COMMIT") != nullptr;
   return ddl_commit;
@@ -99,22 +102,26 @@ sword executeByType(const Execution &x) {
     case STMT_TRUNCATE:
     case STMT_COMMENT:
     case STMT_GRANT:
-    case STMT_REVOKE: return executePlain(x);
-    case OCI_STMT_SELECT: return zev::fetchFirstRows(x);
+    case STMT_REVOKE:
+      return executePlain(x);
+    case OCI_STMT_SELECT:
+      return zev::fetchFirstRows(x);
     case OCI_STMT_INSERT:
     case OCI_STMT_UPDATE:
     case OCI_STMT_DELETE:
       return ExecuteDMLStmt(x.server, x.stmt, x.errhp, x.iters, x.rowoff);
     case OCI_STMT_BEGIN:
-    case OCI_STMT_DECLARE: return zev::fail(x.errhp, 3001);
-    default: return OCI_SUCCESS;
+    case OCI_STMT_DECLARE:
+      return zev::fail(x.errhp, 3001);
+    default:
+      return OCI_SUCCESS;
   }
 }
 
 }  // namespace
 
-extern "C" sword ExecuteOCIStmt(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 iters,
-                                ub4 rowoff) {
+extern "C" sword ExecuteOCIStmt(OCIServer *server, OCIStmt *stmt, OCIError *errhp,
+                                ub4 iters, ub4 rowoff) {
   if (!zev::asServer(server) || !zev::asStmt(stmt) || !zev::asError(errhp)) {
     return OCI_INVALID_HANDLE;
   }

@@ -101,9 +101,9 @@ void zev::traceRewriting(const char *original, const char *query) {
 }
 
 void zev::traceSending(const Execution &x, const char *text) {
-  ocitrace(kTraceStatement, "ExecuteOCIStmt", "stmtp(%p), svrhp(%p), conn(%p), stmt(%s)\n",
-           static_cast<void *>(x.stmt), static_cast<void *>(x.server),
-           static_cast<void *>(x.server->conn), text);
+  ocitrace(kTraceStatement, "ExecuteOCIStmt",
+           "stmtp(%p), svrhp(%p), conn(%p), stmt(%s)\n", static_cast<void *>(x.stmt),
+           static_cast<void *>(x.server), static_cast<void *>(x.server->conn), text);
 }
 
 sword zev::prepareOnServer(const Execution &x) {
@@ -113,8 +113,8 @@ sword zev::prepareOnServer(const Execution &x) {
   return status;
 }
 
-extern "C" sword ExecuteDMLStmt(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 iters,
-                                ub4 rowoff) {
+extern "C" sword ExecuteDMLStmt(OCIServer *server, OCIStmt *stmt, OCIError *errhp,
+                                ub4 iters, ub4 rowoff) {
   if (!zev::asServer(server) || !zev::asStmt(stmt) || !zev::asError(errhp)) {
     return OCI_INVALID_HANDLE;
   }

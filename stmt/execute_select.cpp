@@ -19,15 +19,20 @@ namespace {
 
 using zev::Execution;
 
-/// The value in force of an attribute that a statement takes from its server unless it has its
-/// own.
-ub4 inForce(ub4 own, ub4 inherited) { return own ? own : inherited; }
-
-bool isDeclared(const Execution &x) {
-  return inForce(x.stmt->cursorStrategy, x.server->cursorStrategy) == zev::kStrategyDeclared;
+/// The value in force of an attribute that a statement takes from its server unless it
+/// has its own.
+ub4 inForce(ub4 own, ub4 inherited) {
+  return own ? own : inherited;
 }
 
-bool isScrollable(const OCIStmt *stmt) { return stmt->execMode == OCI_STMT_SCROLLABLE_READONLY; }
+bool isDeclared(const Execution &x) {
+  return inForce(x.stmt->cursorStrategy, x.server->cursorStrategy) ==
+         zev::kStrategyDeclared;
+}
+
+bool isScrollable(const OCIStmt *stmt) {
+  return stmt->execMode == OCI_STMT_SCROLLABLE_READONLY;
+}
 
 /// Rewrites for a description, where placeholders need no binds.
 class DescribedText {
@@ -63,8 +68,8 @@ sword prepareSelect(const Execution &x, const char *query, const Oid *types) {
   if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
     return zev::failAndRollBack(x.server, x.errhp, result.get());
   }
-  PQextRememberPrepared(x.server->conn, name.get(), query, static_cast<int>(stmt->paramCount),
-                        types);
+  PQextRememberPrepared(x.server->conn, name.get(), query,
+                        static_cast<int>(stmt->paramCount), types);
   stmt->cursor->stmtName = name.release();
   stmt->serverPrepared = 1;
   stmt->pgPreparedServer = x.server;
@@ -130,9 +135,9 @@ sword openPortal(const Execution &x) {
   const zev::NoticeScope notices(conn, x.errhp);
   PQextScrollNext(conn, isScrollable(stmt));
   if (willFetch(x)) PQextExpectFetch(conn, planFirstRows(stmt, x.iters).asked);
-  const int sent = PQsendBindPrepared(conn, cursor->portalName, cursor->stmtName,
-                                      parameters.count, parameters.values, parameters.lengths,
-                                      parameters.formats, 0);
+  const int sent =
+      PQsendBindPrepared(conn, cursor->portalName, cursor->stmtName, parameters.count,
+                         parameters.values, parameters.lengths, parameters.formats, 0);
   release_binds_pgdata(stmt->binds);
   if (!sent) return zev::failAndRollBack(x.server, x.errhp, PQerrorMessage(conn));
   const zev::PgResult result(PQextGetResult(conn));
@@ -146,7 +151,9 @@ sword openPortal(const Execution &x) {
   return OCI_SUCCESS;
 }
 
-bool stopsCall(sword status) { return status < 0 || status > OCI_SUCCESS_WITH_INFO; }
+bool stopsCall(sword status) {
+  return status < 0 || status > OCI_SUCCESS_WITH_INFO;
+}
 
 /// The portal of a former execution is closed in the round trip that opens the next one.
 void closeWithNext(const Execution &x) {
@@ -159,7 +166,8 @@ void closeWithNext(const Execution &x) {
   zev::freeText(cursor->portalName);
 }
 
-/// Opens the transaction, together with the portal where nothing has to be prepared first.
+/// Opens the transaction, together with the portal where nothing has to be prepared
+/// first.
 void beginWithPortal(const Execution &x) {
   if (x.stmt->serverPrepared && x.stmt->execMode != OCI_DESCRIBE_ONLY) {
     PQextBeginFirst(x.server->conn);
@@ -171,7 +179,8 @@ void beginWithPortal(const Execution &x) {
 std::optional<sword> openByPortal(const Execution &x) {
   OCIStmt *stmt = x.stmt;
   closeWithNext(x);
-  if (const sword status = prepareCursor(x.server, stmt, x.errhp); status != 0) return status;
+  if (const sword status = prepareCursor(x.server, stmt, x.errhp); status != 0)
+    return status;
   zev::freeText(stmt->callText);
   beginWithPortal(x);
   if (const sword status = settleStatement(x); status != OCI_SUCCESS) return status;
@@ -221,7 +230,8 @@ sword declareCursor(const Execution &x) {
 
 std::optional<sword> openByDeclaration(const Execution &x) {
   OCIStmt *stmt = x.stmt;
-  if (const sword status = prepareCursor(x.server, stmt, x.errhp); status != 0) return status;
+  if (const sword status = prepareCursor(x.server, stmt, x.errhp); status != 0)
+    return status;
   zev::freeText(stmt->callText);
   zev::freeText(stmt->cursor->portalName);
   stmt->cursor->portalName = zev::nextCursorName();
@@ -292,7 +302,8 @@ sword zev::fetchFirstRows(const Execution &x) {
     if (status != OCI_SUCCESS) return status;
   }
   ocitrace(kTraceResults, "ExecuteOCIStmt", "stmtp(%p) ntuples(%d) nfields(%d)\n",
-           static_cast<void *>(stmt), PQntuples(stmt->pgResult), PQnfields(stmt->pgResult));
+           static_cast<void *>(stmt), PQntuples(stmt->pgResult),
+           PQnfields(stmt->pgResult));
   if (simpleCommandFailed(stmt->pgResult)) {
     failAndRollBack(x.server, x.errhp, stmt->pgResult);
     dropResults(stmt);

@@ -17,9 +17,10 @@
 namespace {
 
 /// Orientations of each fetch call.
-constexpr ub4 kPlainOrientations =
-    OCI_FETCH_CURRENT | OCI_FETCH_NEXT | OCI_FETCH_FIRST | OCI_FETCH_LAST | OCI_FETCH_PRIOR;
-constexpr ub4 kAllOrientations = kPlainOrientations | OCI_FETCH_ABSOLUTE | OCI_FETCH_RELATIVE;
+constexpr ub4 kPlainOrientations = OCI_FETCH_CURRENT | OCI_FETCH_NEXT | OCI_FETCH_FIRST |
+                                   OCI_FETCH_LAST | OCI_FETCH_PRIOR;
+constexpr ub4 kAllOrientations =
+    kPlainOrientations | OCI_FETCH_ABSOLUTE | OCI_FETCH_RELATIVE;
 
 bool isOrientation(ub2 orientation, ub4 allowed) {
   const bool oneBit = (orientation & (orientation - 1)) == 0;
@@ -59,7 +60,8 @@ void findLastRow(OCIServer *server, PortalState *cursor, OCIError *errhp) {
     zev::failAndRollBack(server, errhp, result.get());
     return;
   }
-  cursor->lastRow = static_cast<sb4>(cursor->currentRow) + tagCount(PQcmdStatus(result.get()));
+  cursor->lastRow =
+      static_cast<sb4>(cursor->currentRow) + tagCount(PQcmdStatus(result.get()));
 }
 
 /// The row, counted from 1, at which a fetch begins.
@@ -67,14 +69,23 @@ sb4 computeStartRow(const PortalState *cursor, ub2 orientation, sb4 offset) {
   const auto current = static_cast<sb4>(cursor->currentRow);
   switch (orientation) {
     case OCI_DEFAULT:
-    case OCI_FETCH_NEXT: return current + 1;
-    case OCI_FETCH_CURRENT: return current;
-    case OCI_FETCH_FIRST: return 1;
-    case OCI_FETCH_LAST: return cursor->lastRow;
-    case OCI_FETCH_PRIOR: return current - 1;
-    case OCI_FETCH_ABSOLUTE: return offset;
-    case OCI_FETCH_RELATIVE: return current + offset;
-    default: ZEV_ASSERT(false, "unknown orientation"); return 0;
+    case OCI_FETCH_NEXT:
+      return current + 1;
+    case OCI_FETCH_CURRENT:
+      return current;
+    case OCI_FETCH_FIRST:
+      return 1;
+    case OCI_FETCH_LAST:
+      return cursor->lastRow;
+    case OCI_FETCH_PRIOR:
+      return current - 1;
+    case OCI_FETCH_ABSOLUTE:
+      return offset;
+    case OCI_FETCH_RELATIVE:
+      return current + offset;
+    default:
+      ZEV_ASSERT(false, "unknown orientation");
+      return 0;
   }
 }
 
@@ -103,7 +114,8 @@ sword fetchFromServer(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 nro
   stmt->prefetchConsumed = 0;
   stmt->prefetchedRows = 0;
   stmt->heldDelivered = 0;
-  if (!cursor->portalName && !stmt->isRefCursor) return 0;  // closed by a fetch of no rows
+  if (!cursor->portalName && !stmt->isRefCursor)
+    return 0;  // closed by a fetch of no rows
   const bool movesBehind = orientation == OCI_FETCH_LAST && cursor->lastRow < 0;
   if (movesBehind) findLastRow(server, cursor, errhp);
   const sb4 target = computeStartRow(cursor, orientation, offset);
@@ -130,7 +142,8 @@ sword deliverHeldRow(OCIStmt *stmt, OCIError *errhp) {
   return status;
 }
 
-/// Hands the first `nrows` rows of a fresh batch out, into the buffers from `bufferRow` on.
+/// Hands the first `nrows` rows of a fresh batch out, into the buffers from `bufferRow`
+/// on.
 sword deliverBatch(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow) {
   stmt->resultRowPos = 0;
   const sword status = zev::fillDefines(stmt, errhp, nrows, bufferRow);
@@ -142,8 +155,9 @@ sword deliverBatch(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub4 bufferRow) {
 sword deliver(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation) {
   advance(stmt);
   stmt->resultRowPos = 0;
-  const sword status = stmt->prefetchRows && nrows < 2 ? deliverHeldRow(stmt, errhp)
-                                                       : deliverBatch(stmt, errhp, nrows, 0);
+  const sword status = stmt->prefetchRows && nrows < 2
+                           ? deliverHeldRow(stmt, errhp)
+                           : deliverBatch(stmt, errhp, nrows, 0);
   if (status == OCI_NO_DATA && orientation == OCI_FETCH_LAST && stmt->rowsFetched) {
     return OCI_SUCCESS;
   }
@@ -153,7 +167,8 @@ sword deliver(OCIStmt *stmt, OCIError *errhp, ub4 nrows, ub2 orientation) {
 /// Rows that were prefetched for single-row fetches and that nobody has handed out yet.
 ub4 undelivered(const OCIStmt *stmt) {
   const ub4 tuples = static_cast<ub4>(PQntuples(stmt->pgResult));
-  return stmt->prefetchRows && tuples > stmt->heldDelivered ? tuples - stmt->heldDelivered : 0;
+  return stmt->prefetchRows && tuples > stmt->heldDelivered ? tuples - stmt->heldDelivered
+                                                            : 0;
 }
 
 void traceResult(const OCIStmt *stmt) {
@@ -176,8 +191,8 @@ sword endOfData(OCIServer *server, OCIStmt *stmt) {
   return OCI_NO_DATA;
 }
 
-/// An array fetch in the middle of a prefetched batch: what is held goes first, the rest comes
-/// from the server.
+/// An array fetch in the middle of a prefetched batch: what is held goes first, the rest
+/// comes from the server.
 sword fetchAcross(OCIServer *server, OCIStmt *stmt, OCIError *errhp, ub4 nrows) {
   const ub4 held = std::min(undelivered(stmt), nrows);
   stmt->resultRowPos = stmt->heldDelivered;
@@ -237,8 +252,8 @@ zev::Leave leaveWith(sword &status, sword outcome) {
 
 }  // namespace
 
-sword zev::fetchBatch(OCIServer *server, OCIStmt *stmt, OCIError *errhp, const char *portal,
-                      ub4 count) {
+sword zev::fetchBatch(OCIServer *server, OCIStmt *stmt, OCIError *errhp,
+                      const char *portal, ub4 count) {
   if (!PQsendFetchPrepared(server->conn, portal, count)) {
     return failAndRollBack(server, errhp, "PQsendFetchPrepared failed");
   }
@@ -311,7 +326,8 @@ ZEV_API sword OCIStmtFetch(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orien
         if (outcome == OCI_SUCCESS) {
           outcome = checkFetch(stmtp, errhp, orientation, kPlainOrientations, mode);
         }
-        if (outcome == OCI_SUCCESS) outcome = doFetch(stmtp, errhp, nrows, orientation, 0);
+        if (outcome == OCI_SUCCESS)
+          outcome = doFetch(stmtp, errhp, nrows, orientation, 0);
         return leaveWith(status, outcome);
       },
       stmtp, errhp, nrows, orientation, mode);

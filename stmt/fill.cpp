@@ -46,17 +46,21 @@ namespace {
 using zev::ColumnPlan;
 using zev::FetchPlan;
 
-ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field, PGconn *conn) {
+ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field,
+                  PGconn *conn) {
   const bool isStruct = define->isStruct;
-  const auto stride = [isStruct](ub4 skip, std::size_t own) { return isStruct ? skip : own; };
-  return {zev::conversionOf(PQftype(result, field), define->dty, conn),
-          static_cast<ub1>(PQfformat(result, field)),
-          define->isDynamic != 0,
-          define->valueSize,
-          {static_cast<char *>(define->valuep), stride(define->pvskip, define->valueSize)},
-          {define->indp, stride(define->indskip, sizeof(sb2))},
-          {define->alenp, stride(define->alskip, sizeof(ub2))},
-          {define->rcodep, stride(define->rcskip, sizeof(ub2))}};
+  const auto stride = [isStruct](ub4 skip, std::size_t own) {
+    return isStruct ? skip : own;
+  };
+  return {
+      zev::conversionOf(PQftype(result, field), define->dty, conn),
+      static_cast<ub1>(PQfformat(result, field)),
+      define->isDynamic != 0,
+      define->valueSize,
+      {static_cast<char *>(define->valuep), stride(define->pvskip, define->valueSize)},
+      {define->indp, stride(define->indskip, sizeof(sb2))},
+      {define->alenp, stride(define->alskip, sizeof(ub2))},
+      {define->rcodep, stride(define->rcskip, sizeof(ub2))}};
 }
 
 void lookUp(FetchPlan &plan, const List *defines, const PGresult *result, PGconn *conn) {
@@ -86,14 +90,14 @@ zev::Field fieldAt(const PGresult *result, ub1 format, int row, int field) {
 
 /// Rows of a result and where they go.
 struct RowSpan {
-  ub4 first;      ///< row of the result
+  ub4 first;  ///< row of the result
   ub4 count;
   ub4 bufferRow;  ///< row of the program's buffers
 };
 
 /// Converts the rows of one column; the status is that of the last one.
-sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *result, int field,
-                 const RowSpan &rows) {
+sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *result,
+                 int field, const RowSpan &rows) {
   if (column.isDynamic) return rows.count ? zev::fail(errhp, 3001) : OCI_SUCCESS;
   const bool tracing = zev::tracing(kTraceFetched);
   sword status = OCI_SUCCESS;
@@ -111,7 +115,8 @@ sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *resu
   return status;
 }
 
-/// The walk that all members share. The status is that of the last cell of the last column.
+/// The walk that all members share. The status is that of the last cell of the last
+/// column.
 sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result,
                   const RowSpan &rows) {
   sword status = OCI_SUCCESS;
@@ -162,7 +167,8 @@ OCIDefine *find_define(const List *defines, ub4 column) {
 
 sword fill_define_buffers(OCIError *errhp, const List *defines, const PGresult *result,
                           ub4 nrows, ub4 *resultRowPos, ub4 *rowsFetched) {
-  if (isNothingToFill(defines, result, nrows, resultRowPos)) return zev::fail(errhp, 24374);
+  if (isNothingToFill(defines, result, nrows, resultRowPos))
+    return zev::fail(errhp, 24374);
   FetchPlan plan;
   lookUp(plan, defines, result, nullptr);
   return fillRows(plan, errhp, result, nrows, resultRowPos, rowsFetched);
@@ -181,7 +187,8 @@ sword fill_define_buffers_prefetch(OCIError *errhp, const List *defines,
 }
 
 sword fill_define_buffers_2(OCIError *errhp, const List *defines, const PGresult *result,
-                            ub4 nrows, ub4 *resultRowPos, ub4 *rowsFetched, PGconn *conn) {
+                            ub4 nrows, ub4 *resultRowPos, ub4 *rowsFetched,
+                            PGconn *conn) {
   if (isNothingToFill(defines, result, nrows, resultRowPos)) return OCI_NO_DATA;
   FetchPlan plan;
   lookUp(plan, defines, result, conn);

@@ -22,8 +22,14 @@ extern "C" char *makeUniqueName(const char *prefix, ub4 number) {
 
 namespace zev {
 
-char *nextStatementName() { return makeUniqueName("stmt_", preparedStmtCount++); }
-char *nextPortalName() { return makeUniqueName("portal_", portalCount++); }
-char *nextCursorName() { return makeUniqueName("cursor_", portalCount++); }
+char *nextStatementName() {
+  return makeUniqueName("stmt_", preparedStmtCount++);
+}
+char *nextPortalName() {
+  return makeUniqueName("portal_", portalCount++);
+}
+char *nextCursorName() {
+  return makeUniqueName("cursor_", portalCount++);
+}
 
 }  // namespace zev

@@ -7,8 +7,8 @@
 
 namespace zev {
 
-/// Takes the next number of the process for a prepared statement: "stmt_%08x". A new text,
-/// freed by the caller; null when memory runs out.
+/// Takes the next number of the process for a prepared statement: "stmt_%08x". A new
+/// text, freed by the caller; null when memory runs out.
 char *nextStatementName();
 /// Portals and declared cursors share one count: "portal_%08x", "cursor_%08x".
 char *nextPortalName();

@@ -9,8 +9,12 @@
 
 namespace {
 
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+constexpr bool isLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
 
 constexpr ub4 kMostParameters = 10000;
 
@@ -20,8 +24,8 @@ ub4 digitCount(ub4 i) {
   return i < 10 ? 1 : i < 100 ? 2 : i < 1000 ? 3 : 4;
 }
 
-/// Walks a statement as the bind-driven rewriter reads it: single quotes are the only quotes, and
-/// a ":" outside them is a placeholder when a bind has its name.
+/// Walks a statement as the bind-driven rewriter reads it: single quotes are the only
+/// quotes, and a ":" outside them is a placeholder when a bind has its name.
 template <class OnText, class OnBind>
 void walk(const List *binds, const char *text, ub4 length, OnText onText, OnBind onBind) {
   bool quoted = false;
@@ -58,15 +62,25 @@ class TextScanner {
 
   void take(char previous, char c, char next) {
     switch (state_) {
-      case Scan::Plain: takePlain(previous, c, next); return;
-      case Scan::Name: takeName(c); return;
+      case Scan::Plain:
+        takePlain(previous, c, next);
+        return;
+      case Scan::Name:
+        takeName(c);
+        return;
       case Scan::String:
         query_ += c;
         if (c == '\'' && previous != '\\') state_ = Scan::Plain;
         return;
-      case Scan::OpeningTag: copyUntilDollar(c, Scan::DollarBody); return;
-      case Scan::DollarBody: copyUntilDollar(c, Scan::ClosingTag); return;
-      case Scan::ClosingTag: copyUntilDollar(c, Scan::Plain); return;
+      case Scan::OpeningTag:
+        copyUntilDollar(c, Scan::DollarBody);
+        return;
+      case Scan::DollarBody:
+        copyUntilDollar(c, Scan::ClosingTag);
+        return;
+      case Scan::ClosingTag:
+        copyUntilDollar(c, Scan::Plain);
+        return;
     }
   }
 
@@ -158,8 +172,9 @@ OCIBind *find_placeholder_bind_handle(const OCIStmt *stmt, const char *name, ub4
   return nullptr;
 }
 
-List *ReplacePlaceholders(const List *binds, const char *stmt, ub4 length, char **pg_query,
-                          ub4 *param_count, Oid **paramTypes, ub4 **paramDirs) {
+List *ReplacePlaceholders(const List *binds, const char *stmt, ub4 length,
+                          char **pg_query, ub4 *param_count, Oid **paramTypes,
+                          ub4 **paramDirs) {
   ZEV_ASSERT(stmt, "stmt != ((void *)0)");
   ZEV_ASSERT(pg_query, "pg_query != ((void *)0)");
   ZEV_ASSERT(param_count, "param_count != ((void *)0)");
@@ -172,8 +187,9 @@ List *ReplacePlaceholders(const List *binds, const char *stmt, ub4 length, char 
 
   ub4 resultLen = 0;
   ub4 found = 0;
-  walk(binds, stmt, length, [&](char) { ++resultLen; },
-       [&](OCIBind *) { resultLen += 1 + digitCount(++found); });
+  walk(
+      binds, stmt, length, [&](char) { ++resultLen; },
+      [&](OCIBind *) { resultLen += 1 + digitCount(++found); });
   auto *query = static_cast<char *>(std::malloc(resultLen + 1));
   auto *types = newArray<Oid>(found);
   auto *directions = newArray<ub4>(found);
@@ -188,13 +204,14 @@ List *ReplacePlaceholders(const List *binds, const char *stmt, ub4 length, char 
   List *list = nullptr;
   ub4 number = 0;
   char *out = query;
-  walk(binds, stmt, length, [&](char c) { *out++ = c; },
-       [&](OCIBind *bind) {
-         types[number] = bind->pgType;
-         directions[number] = bind->paramMode;
-         out = appendNumber(out, ++number);
-         list = lappend(list, bind);
-       });
+  walk(
+      binds, stmt, length, [&](char c) { *out++ = c; },
+      [&](OCIBind *bind) {
+        types[number] = bind->pgType;
+        directions[number] = bind->paramMode;
+        out = appendNumber(out, ++number);
+        list = lappend(list, bind);
+      });
   *out = '\0';
   const auto o = static_cast<ub4>(out - query);
   ZEV_ASSERT(o == resultLen, "o == resultLen");

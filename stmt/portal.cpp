@@ -23,7 +23,8 @@ PortalState *newCursor(OCIServer *server, const OCIStmt *stmt) {
   if (!cursor) return nullptr;
   cursor->server = server;
   cursor->lastRow = -1;
-  if (stmt->isRefCursor && stmt->preparedName) cursor->stmtName = strdup(stmt->preparedName);
+  if (stmt->isRefCursor && stmt->preparedName)
+    cursor->stmtName = strdup(stmt->preparedName);
   return cursor;
 }
 

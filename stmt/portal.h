@@ -10,9 +10,11 @@ ZEV_HELPER sword prepareCursor(OCIServer *server, OCIStmt *stmt, OCIError *errhp
 /// transaction.
 ZEV_HELPER sword closePortal(PortalState *cursor, OCIError *errhp);
 /// Drops a prepared statement. 0, or -1 with a record and a rolled back transaction.
-ZEV_HELPER sword deallocateStatement(OCIServer *server, OCIError *errhp, const char *name);
+ZEV_HELPER sword deallocateStatement(OCIServer *server, OCIError *errhp,
+                                     const char *name);
 /// Drops what a statement has on the server: the portal with the statement behind it, the
-/// declared cursor, or, when `flag` is set, the prepared statement of a non-SELECT. 0 or -1.
+/// declared cursor, or, when `flag` is set, the prepared statement of a non-SELECT. 0 or
+/// -1.
 ZEV_HELPER sword deallocateCursor(OCIServer *server, OCIStmt *stmt, OCIError *errhp,
                                   boolean flag);
 }

@@ -20,10 +20,12 @@ struct Keyword {
 
 // The first that the text begins with decides.
 constexpr Keyword kKeywords[] = {
-    {"SELECT", OCI_STMT_SELECT}, {"UPDATE", OCI_STMT_UPDATE},   {"DELETE", OCI_STMT_DELETE},
-    {"INSERT", OCI_STMT_INSERT}, {"CREATE", OCI_STMT_CREATE},   {"DROP", OCI_STMT_DROP},
-    {"ALTER", OCI_STMT_ALTER},   {"BEGIN", OCI_STMT_BEGIN},     {"DECLARE", OCI_STMT_DECLARE},
-    {"TRUNCATE", STMT_TRUNCATE}, {"COMMENT", STMT_COMMENT},     {"GRANT", STMT_GRANT},
+    {"SELECT", OCI_STMT_SELECT},   {"UPDATE", OCI_STMT_UPDATE},
+    {"DELETE", OCI_STMT_DELETE},   {"INSERT", OCI_STMT_INSERT},
+    {"CREATE", OCI_STMT_CREATE},   {"DROP", OCI_STMT_DROP},
+    {"ALTER", OCI_STMT_ALTER},     {"BEGIN", OCI_STMT_BEGIN},
+    {"DECLARE", OCI_STMT_DECLARE}, {"TRUNCATE", STMT_TRUNCATE},
+    {"COMMENT", STMT_COMMENT},     {"GRANT", STMT_GRANT},
     {"REVOKE", STMT_REVOKE},
 };
 
@@ -91,7 +93,9 @@ sword takeText(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length) 
 }
 
 /// Call blocks are not understood yet: every text that begins like one is refused.
-bool parseCallBlock(const OCIStmt *) { return false; }
+bool parseCallBlock(const OCIStmt *) {
+  return false;
+}
 
 sword prepare(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length,
               ub4 language) {
@@ -125,8 +129,9 @@ extern "C" ub2 GetStatementType(const char *text) {
   return STMT_UNKNOWN;
 }
 
-extern "C" ZEV_API sword OCIStmtPrepare(OCIStmt *stmtp, OCIError *errhp, const OraText *stmt,
-                                        ub4 stmt_len, ub4 language, ub4 mode) {
+extern "C" ZEV_API sword OCIStmtPrepare(OCIStmt *stmtp, OCIError *errhp,
+                                        const OraText *stmt, ub4 stmt_len, ub4 language,
+                                        ub4 mode) {
   if (!zev::asStmt(stmtp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(stmtp);
   if (!env) return OCI_INVALID_HANDLE;
@@ -135,9 +140,9 @@ extern "C" ZEV_API sword OCIStmtPrepare(OCIStmt *stmtp, OCIError *errhp, const O
   if (mode != OCI_DEFAULT) return failCleared(errhp, 24300);
   if (stmtp->fromPrepare2) return OCI_INVALID_HANDLE;
   if (!isLanguage(language)) return OCI_ERROR;
-  ocitrace(kTracePrepare, "OCIStmtPrepare", "stmtp(%p) %*.*s\n", static_cast<void *>(stmtp),
-           static_cast<int>(stmt_len), static_cast<int>(stmt_len),
-           reinterpret_cast<const char *>(stmt));
+  ocitrace(kTracePrepare, "OCIStmtPrepare", "stmtp(%p) %*.*s\n",
+           static_cast<void *>(stmtp), static_cast<int>(stmt_len),
+           static_cast<int>(stmt_len), reinterpret_cast<const char *>(stmt));
 
   return zev::runFrame(
       zev::frame::kStmtPrepare, env, errhp,

@@ -5,8 +5,8 @@
 #include "zevoci/statement.h"
 
 extern "C" {
-/// Clears both results of a statement and takes what the connection still has to give, leaving
-/// both null. Does nothing for a wrong server or statement.
+/// Clears both results of a statement and takes what the connection still has to give,
+/// leaving both null. Does nothing for a wrong server or statement.
 ZEV_HELPER void ClearOCIStmtResultset(OCIServer *server, OCIStmt *stmt);
 }
 

@@ -15,7 +15,11 @@
 namespace {
 
 /// Values of OCI_ATTR_STMT_STATE.
-enum StatementState : ub4 { kStateInitialized = 1, kStateExecuted = 2, kStateEndOfFetch = 3 };
+enum StatementState : ub4 {
+  kStateInitialized = 1,
+  kStateExecuted = 2,
+  kStateEndOfFetch = 3
+};
 
 ub4 rowCount(const OCIStmt *stmt) {
   if (stmt->cursor && stmt->cursor->state != kPortalClosed) return stmt->cursor->maxRow;
@@ -29,8 +33,9 @@ ub4 rowCount(const OCIStmt *stmt) {
 ub4 statementState(const OCIStmt *stmt) {
   if (!stmt->executed) return kStateInitialized;
   const int tuples = PQntuples(stmt->pgResult);
-  return tuples == 0 || static_cast<int>(stmt->resultRowPos) == tuples - 1 ? kStateEndOfFetch
-                                                                           : kStateExecuted;
+  return tuples == 0 || static_cast<int>(stmt->resultRowPos) == tuples - 1
+             ? kStateEndOfFetch
+             : kStateExecuted;
 }
 
 /// The published number of a statement's type.
@@ -99,7 +104,9 @@ void zev::freeText(char *&text) {
 
 extern "C" {
 
-OCIStmt *Alloc_OCIStmt() { return zev::allocHandle<OCIStmt>(HANDLE_OCIStmt); }
+OCIStmt *Alloc_OCIStmt() {
+  return zev::allocHandle<OCIStmt>(HANDLE_OCIStmt);
+}
 
 void Free_OCIStmt(OCIStmt *h) {
   if (!zev::asStmt(h)) return;
@@ -112,7 +119,8 @@ void Free_OCIStmt(OCIStmt *h) {
   zev::freeListAndMembers(h->placeholderNames);
   zev::dropResults(h);
   dropServerObjects(h);
-  for (char *text : {h->stmtText, h->callText, h->preparedName, h->returnParam, h->procName}) {
+  for (char *text :
+       {h->stmtText, h->callText, h->preparedName, h->returnParam, h->procName}) {
     std::free(text);
   }
   std::free(h->cacheKey);
@@ -157,20 +165,29 @@ sword Get_OCIStmt(OCIStmt *stmt, void *value, ub4 *, ub4 attribute, OCIError *er
     return OCI_INVALID_HANDLE;
   }
   switch (attribute) {
-    case OCI_ATTR_ENV: zev::putAttribute(value, stmt->parenth); return OCI_SUCCESS;
-    case OCI_ATTR_ROW_COUNT: zev::putAttribute(value, rowCount(stmt)); return OCI_SUCCESS;
+    case OCI_ATTR_ENV:
+      zev::putAttribute(value, stmt->parenth);
+      return OCI_SUCCESS;
+    case OCI_ATTR_ROW_COUNT:
+      zev::putAttribute(value, rowCount(stmt));
+      return OCI_SUCCESS;
     case OCI_ATTR_PARAM_COUNT: {
       const bool isQuery = stmt->stmtType == OCI_STMT_SELECT;
       zev::putAttribute<ub4>(value,
                              isQuery ? static_cast<ub4>(PQnfields(stmt->pgResult)) : 0);
       return OCI_SUCCESS;
     }
-    case OCI_ATTR_STMT_TYPE: zev::putAttribute(value, publishedType(stmt)); return OCI_SUCCESS;
-    case OCI_ATTR_STATEMENT: return getText(stmt, value, errhp);
+    case OCI_ATTR_STMT_TYPE:
+      zev::putAttribute(value, publishedType(stmt));
+      return OCI_SUCCESS;
+    case OCI_ATTR_STATEMENT:
+      return getText(stmt, value, errhp);
     case OCI_ATTR_CURRENT_POSITION:
       zev::putAttribute<ub4>(value, stmt->cursor ? stmt->cursor->currentRow : 0);
       return OCI_SUCCESS;
-    case OCI_ATTR_STMT_STATE: zev::putAttribute(value, statementState(stmt)); return OCI_SUCCESS;
+    case OCI_ATTR_STMT_STATE:
+      zev::putAttribute(value, statementState(stmt));
+      return OCI_SUCCESS;
     case OCI_ATTR_ROWS_FETCHED:
       zev::putAttribute<ub4>(value, stmt->pgResult ? stmt->rowsFetched : 0);
       return OCI_SUCCESS;
@@ -180,7 +197,8 @@ sword Get_OCIStmt(OCIStmt *stmt, void *value, ub4 *, ub4 attribute, OCIError *er
     case ZEVOCI_ATTR_HOLD_POLICY:
       zev::putAttribute(value, stmt->holdPolicy);
       return OCI_SUCCESS;
-    default: return zev::fail(errhp, 24328);
+    default:
+      return zev::fail(errhp, 24328);
   }
 }
 
@@ -194,8 +212,10 @@ sword Set_OCIStmt(OCIStmt *stmt, void *value, ub4, ub4 attribute, OCIError *errh
       return OCI_SUCCESS;
     case ZEVOCI_ATTR_CURSOR_STRATEGY:
       return zev::storeCursorStrategy(stmt->cursorStrategy, value, errhp);
-    case ZEVOCI_ATTR_HOLD_POLICY: return zev::storeHoldPolicy(stmt->holdPolicy, value, errhp);
-    default: return zev::fail(errhp, 24328);
+    case ZEVOCI_ATTR_HOLD_POLICY:
+      return zev::storeHoldPolicy(stmt->holdPolicy, value, errhp);
+    default:
+      return zev::fail(errhp, 24328);
   }
 }
 

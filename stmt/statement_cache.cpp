@@ -11,8 +11,8 @@ bool beginsWith(const ub1 *kept, ub4 keptLength, const OraText *key, ub4 keyLeng
   return kept && keptLength >= keyLength && std::memcmp(kept, key, keyLength) == 0;
 }
 
-/// The first cached statement that was released under this key, or null. A null element ends the
-/// walk.
+/// The first cached statement that was released under this key, or null. A null element
+/// ends the walk.
 OCIStmt *findReleased(const OCISvcCtx *svchp, const OraText *key, ub4 keyLength) {
   for (OCIStmt *stmt : zev::Elements<OCIStmt>(svchp->stmts)) {
     if (!stmt) return nullptr;
@@ -21,8 +21,8 @@ OCIStmt *findReleased(const OCISvcCtx *svchp, const OraText *key, ub4 keyLength)
   return nullptr;
 }
 
-/// The first statement whose place one prepared under `key` takes: one with that key, released or
-/// still held; for a null key one that was released without.
+/// The first statement whose place one prepared under `key` takes: one with that key,
+/// released or still held; for a null key one that was released without.
 OCIStmt *findReplaced(const OCISvcCtx *svchp, const OraText *key, ub4 keyLength) {
   for (OCIStmt *stmt : zev::Elements<OCIStmt>(svchp->stmts)) {
     if (!stmt) return nullptr;
@@ -60,8 +60,8 @@ void empty(OCIStmt *stmt) {
   stmt->prepared = 0;
 }
 
-/// Frees a statement that OCIStmtPrepare2 made. One that the program still holds is emptied
-/// instead, so that its use fails cleanly, and goes with the environment.
+/// Frees a statement that OCIStmtPrepare2 made. One that the program still holds is
+/// emptied instead, so that its use fails cleanly, and goes with the environment.
 void retire(OCIStmt *stmt) {
   if (stmt->inUse) {
     empty(stmt);
@@ -81,8 +81,8 @@ sword search(OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp, const OraText *
   return OCI_SUCCESS;
 }
 
-/// Enters a new statement in the cache in the place of one with its key. Its own tag comes with
-/// its release.
+/// Enters a new statement in the cache in the place of one with its key. Its own tag
+/// comes with its release.
 sword enterCache(OCISvcCtx *svchp, OCIStmt *stmt, OCIError *errhp, const OraText *key,
                  ub4 keyLength) {
   if (OCIStmt *former = findReplaced(svchp, key, keyLength)) {
@@ -152,9 +152,10 @@ sword releaseUncached(OCIStmt *stmt, OCIError *errhp, ub4 mode) {
 
 }  // namespace
 
-extern "C" ZEV_API sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp,
-                                         const OraText *stmt, ub4 stmt_len, const OraText *key,
-                                         ub4 key_len, ub4 language, ub4 mode) {
+extern "C" ZEV_API sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp,
+                                         OCIError *errhp, const OraText *stmt,
+                                         ub4 stmt_len, const OraText *key, ub4 key_len,
+                                         ub4 language, ub4 mode) {
   if (!zev::asService(svchp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(svchp);
   if (!env) return OCI_INVALID_HANDLE;
@@ -172,11 +173,12 @@ extern "C" ZEV_API sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIE
           return leaveWith(zev::fail(errhp, 24300));
         }
         if (!stmt_len) return leaveWith(zev::fail(errhp, 24373));
-        if (language != OCI_NTV_SYNTAX && language != OCI_V7_SYNTAX) return leaveWith(OCI_ERROR);
-        const sword outcome =
-            mode == OCI_PREP2_CACHE_SEARCHONLY
-                ? search(svchp, stmtp, errhp, key, key_len)
-                : prepareNew(env, svchp, stmtp, errhp, stmt, stmt_len, key, key_len, language);
+        if (language != OCI_NTV_SYNTAX && language != OCI_V7_SYNTAX)
+          return leaveWith(OCI_ERROR);
+        const sword outcome = mode == OCI_PREP2_CACHE_SEARCHONLY
+                                  ? search(svchp, stmtp, errhp, key, key_len)
+                                  : prepareNew(env, svchp, stmtp, errhp, stmt, stmt_len,
+                                               key, key_len, language);
         if (outcome < 0) return leaveWith(outcome);
         if (outcome != OCI_SUCCESS) status = outcome;
         return zev::Leave::ThroughExitCallbacks;
@@ -184,8 +186,8 @@ extern "C" ZEV_API sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp, OCIE
       svchp, stmtp, errhp, stmt, stmt_len, key, key_len, language, mode);
 }
 
-extern "C" ZEV_API sword OCIStmtRelease(OCIStmt *stmtp, OCIError *errhp, const OraText *key,
-                                        ub4 key_len, ub4 mode) {
+extern "C" ZEV_API sword OCIStmtRelease(OCIStmt *stmtp, OCIError *errhp,
+                                        const OraText *key, ub4 key_len, ub4 mode) {
   if (!zev::asStmt(stmtp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(stmtp);
   if (!env) return OCI_INVALID_HANDLE;

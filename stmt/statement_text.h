@@ -4,7 +4,8 @@
 #include "zevoci/statement.h"
 
 extern "C" {
-/// The type of a statement by its leading keyword, compared by prefix without regard to case.
+/// The type of a statement by its leading keyword, compared by prefix without regard to
+/// case.
 ZEV_HELPER ub2 GetStatementType(const char *text);
 /// Makes a statement that names a server cursor (preparedName) a fetchable SELECT.
 ZEV_HELPER void InitializeChildStmt(OCIStmt *child);

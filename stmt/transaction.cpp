@@ -1,3 +1,5 @@
+#include "zevoci/transaction.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -10,7 +12,6 @@
 #include "core/frame_rows.h"
 #include "core/wire.h"
 #include "zevoci/trace.h"
-#include "zevoci/transaction.h"
 
 namespace {
 
@@ -22,7 +23,8 @@ constexpr ub4 kStartMask = 0xff;
 constexpr ub4 kStartBits = OCI_TRANS_NEW | OCI_TRANS_JOIN | OCI_TRANS_RESUME;
 constexpr ub4 kTypeMask = 0xf0000;
 
-/// The block for an XID, zeroed, in a handle that has none yet; null when memory runs out.
+/// The block for an XID, zeroed, in a handle that has none yet; null when memory runs
+/// out.
 XID *xidBlock(OCITrans *trans) {
   if (!trans->xid) trans->xid = static_cast<XID *>(std::calloc(1, kXidSize));
   return trans->xid;
@@ -65,8 +67,8 @@ sword checkConnection(const OCIServer *server, OCIError *errhp) {
   return zev::fail(errhp, 25407, PQerrorMessage(server->conn));
 }
 
-/// Sends a command that names the prepared transaction of a service context's XID; `missing` is
-/// the record when there is no XID.
+/// Sends a command that names the prepared transaction of a service context's XID;
+/// `missing` is the record when there is no XID.
 sword twoPhase(OCISvcCtx *svchp, OCIServer *server, OCIError *errhp, const char *verb,
                sb4 missing) {
   const OCITrans *trans = zev::asTrans(svchp->trans);
@@ -114,8 +116,10 @@ sb4 refusedIsolation(ub4 flags) {
     case 0:
     case OCI_TRANS_READONLY:
     case OCI_TRANS_READWRITE:
-    case OCI_TRANS_SERIALIZABLE: return 0;
-    default: return 24760;
+    case OCI_TRANS_SERIALIZABLE:
+      return 0;
+    default:
+      return 24760;
   }
 }
 
@@ -130,9 +134,12 @@ sb4 refusedType(ub4 flags) {
 
 const char *isolationCommand(ub4 flags) {
   switch (flags & OCI_TRANS_ISOLMASK) {
-    case OCI_TRANS_READONLY: return "SET TRANSACTION READ ONLY ";
-    case OCI_TRANS_SERIALIZABLE: return "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE ";
-    default: return nullptr;
+    case OCI_TRANS_READONLY:
+      return "SET TRANSACTION READ ONLY ";
+    case OCI_TRANS_SERIALIZABLE:
+      return "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE ";
+    default:
+      return nullptr;
   }
 }
 
@@ -178,7 +185,9 @@ sword inFrame(const zev::FrameRow &row, OCISvcCtx *svchp, OCIError *errhp, Work 
 
 extern "C" {
 
-OCITrans *Alloc_OCITrans() { return zev::allocHandle<OCITrans>(HANDLE_OCITrans); }
+OCITrans *Alloc_OCITrans() {
+  return zev::allocHandle<OCITrans>(HANDLE_OCITrans);
+}
 
 void Free_OCITrans(OCITrans *trans) {
   if (!zev::asTrans(trans)) return;
@@ -192,11 +201,13 @@ void Free_OCITrans(OCITrans *trans) {
   zev::freeHandle(trans);
 }
 
-sword Get_OCITrans(OCITrans *trans, void *value, ub4 *size, ub4 attribute, OCIError *errhp) {
+sword Get_OCITrans(OCITrans *trans, void *value, ub4 *size, ub4 attribute,
+                   OCIError *errhp) {
   if (!zev::asTrans(trans) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   XID *xid = trans->xid;
   switch (attribute) {
-    case OCI_ATTR_XID: return getBlock(value, size, xid, kXidSize);
+    case OCI_ATTR_XID:
+      return getBlock(value, size, xid, kXidSize);
     case OCI_ATTR_TRANS_NAME:
       if (!xid) return getBlock(value, size, nullptr, kXidSize);
       return getBlock(value, size, xid->data,
@@ -205,31 +216,36 @@ sword Get_OCITrans(OCITrans *trans, void *value, ub4 *size, ub4 attribute, OCIEr
       zev::putAttribute(value, trans->transTimeout);
       if (size) *size = sizeof trans->transTimeout;
       return OCI_SUCCESS;
-    default: return zev::fail(errhp, 24315);
+    default:
+      return zev::fail(errhp, 24315);
   }
 }
 
-sword Set_OCITrans(OCITrans *trans, void *value, ub4 size, ub4 attribute, OCIError *errhp) {
+sword Set_OCITrans(OCITrans *trans, void *value, ub4 size, ub4 attribute,
+                   OCIError *errhp) {
   if (!zev::asTrans(trans) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   switch (attribute) {
-    case OCI_ATTR_XID: return value ? setXid(trans, value, size, errhp) : OCI_INVALID_HANDLE;
-    case OCI_ATTR_TRANS_NAME: return setName(trans, value, size, errhp);
+    case OCI_ATTR_XID:
+      return value ? setXid(trans, value, size, errhp) : OCI_INVALID_HANDLE;
+    case OCI_ATTR_TRANS_NAME:
+      return setName(trans, value, size, errhp);
     case OCI_ATTR_TRANS_TIMEOUT:
       if (!value) return OCI_INVALID_HANDLE;
       trans->transTimeout = zev::takeAttribute<ub4>(value);
       return OCI_SUCCESS;
-    default: return zev::fail(errhp, 24315);
+    default:
+      return zev::fail(errhp, 24315);
   }
 }
 
 char *GetTransactionNameFromXID(const XID *xid) {
   constexpr std::size_t kPrefix = 16;
   const long wanted = xid->gtrid_length + xid->bqual_length;
-  const std::size_t length = static_cast<std::size_t>(std::clamp<long>(wanted, 0, XIDDATASIZE));
+  const std::size_t length =
+      static_cast<std::size_t>(std::clamp<long>(wanted, 0, XIDDATASIZE));
   auto *name = static_cast<char *>(std::malloc(kPrefix + length + 1));
   if (!name) return nullptr;
-  const int prefix =
-      std::snprintf(name, kPrefix, "%d.", static_cast<int>(xid->formatID));
+  const int prefix = std::snprintf(name, kPrefix, "%d.", static_cast<int>(xid->formatID));
   std::memcpy(name + prefix, xid->data, length);
   name[static_cast<std::size_t>(prefix) + length] = '\0';
   return name;
@@ -239,16 +255,21 @@ void START_TRANSACTION(PGconn *conn) {
   switch (PQtransactionStatus(conn)) {
     case PQTRANS_ACTIVE:
     case PQTRANS_INTRANS:
-    case PQTRANS_INERROR: return;
-    default: zev::wire::exec(conn, "BEGIN");
+    case PQTRANS_INERROR:
+      return;
+    default:
+      zev::wire::exec(conn, "BEGIN");
   }
 }
 
 void COMMIT_TRANSACTION(PGconn *conn) {
   switch (PQtransactionStatus(conn)) {
     case PQTRANS_ACTIVE:
-    case PQTRANS_INTRANS: zev::wire::exec(conn, "COMMIT"); return;
-    default: return;
+    case PQTRANS_INTRANS:
+      zev::wire::exec(conn, "COMMIT");
+      return;
+    default:
+      return;
   }
 }
 
@@ -258,29 +279,36 @@ void ROLLBACK_TRANSACTION(OCIServer *server) {
   switch (PQtransactionStatus(server->conn)) {
     case PQTRANS_ACTIVE:
     case PQTRANS_INTRANS:
-    case PQTRANS_INERROR: zev::wire::exec(server->conn, "ROLLBACK"); return;
-    default: return;
+    case PQTRANS_INERROR:
+      zev::wire::exec(server->conn, "ROLLBACK");
+      return;
+    default:
+      return;
   }
 }
 
 ZEV_API sword OCITransStart(OCISvcCtx *svchp, OCIError *errhp, uword timeout, ub4 flags) {
-  return inFrame(zev::frame::kTransStart, svchp, errhp,
-                 [&] { return startTransaction(svchp, errhp, flags); }, timeout, flags);
+  return inFrame(
+      zev::frame::kTransStart, svchp, errhp,
+      [&] { return startTransaction(svchp, errhp, flags); }, timeout, flags);
 }
 
 ZEV_API sword OCITransCommit(OCISvcCtx *svchp, OCIError *errhp, ub4 flags) {
-  return inFrame(zev::frame::kTransCommit, svchp, errhp,
-                 [&] { return endTransaction(svchp, errhp, flags, kCommit); }, flags);
+  return inFrame(
+      zev::frame::kTransCommit, svchp, errhp,
+      [&] { return endTransaction(svchp, errhp, flags, kCommit); }, flags);
 }
 
 ZEV_API sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags) {
-  return inFrame(zev::frame::kTransRollback, svchp, errhp,
-                 [&] { return endTransaction(svchp, errhp, flags, kRollback); }, flags);
+  return inFrame(
+      zev::frame::kTransRollback, svchp, errhp,
+      [&] { return endTransaction(svchp, errhp, flags, kRollback); }, flags);
 }
 
 ZEV_API sword OCITransPrepare(OCISvcCtx *svchp, OCIError *errhp, ub4 flags) {
-  return inFrame(zev::frame::kTransPrepare, svchp, errhp,
-                 [&] { return prepareTransaction(svchp, errhp); }, flags);
+  return inFrame(
+      zev::frame::kTransPrepare, svchp, errhp,
+      [&] { return prepareTransaction(svchp, errhp); }, flags);
 }
 
 }  // extern "C"

@@ -137,8 +137,8 @@ extern "C" sword OCI2PQType(OCIError *errhp, ub2 ociType, void *bufferin, sb4 bu
   ToServerConverter convert = nullptr;
   IsOCIToPQConversionPossible(ociType, pgType, &convert);
   zev::ServerParameter parameter{*out, *outLength, *outFormat};
-  const sword status = zev::convertBound(errhp, convert, pgType,
-                                         {ociType, bufferin, bufferin_sz, indp}, parameter);
+  const sword status = zev::convertBound(
+      errhp, convert, pgType, {ociType, bufferin, bufferin_sz, indp}, parameter);
   *out = parameter.value;
   *outLength = parameter.length;
   *outFormat = parameter.format;

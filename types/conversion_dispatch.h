@@ -5,7 +5,8 @@
 
 namespace zev {
 
-/// A value in the program's buffers; `*indicator` may be null and is set for a null buffer.
+/// A value in the program's buffers; `*indicator` may be null and is set for a null
+/// buffer.
 struct BoundValue {
   ub2 ociType;
   void *buffer;
@@ -13,15 +14,16 @@ struct BoundValue {
   sb2 *indicator;
 };
 
-/// A parameter for the server; `value` comes from the system allocator, null for SQL NULL.
+/// A parameter for the server; `value` comes from the system allocator, null for SQL
+/// NULL.
 struct ServerParameter {
   void *value;
   ub4 length;
   ub1 format;
 };
 
-/// Converts a bound value by the converter of its pair, which OCI2PQType looks up for each value.
-/// Record 1460 for a null `convert`.
+/// Converts a bound value by the converter of its pair, which OCI2PQType looks up for
+/// each value. Record 1460 for a null `convert`.
 sword convertBound(OCIError *errhp, ToServerConverter convert, Oid pgType,
                    const BoundValue &bound, ServerParameter &parameter);
 

@@ -36,9 +36,12 @@ bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
 /// Stores an integer that was read from a text.
 sword storeFromText(OCIError *errhp, long value, void *target, ub4 *targetLength) {
   switch (storeInteger<2>(target, *targetLength, value)) {
-    case Stored::Whole: return 0;
-    case Stored::Cut: return record(errhp, 1426, 1);
-    case Stored::NoSuchWidth: break;
+    case Stored::Whole:
+      return 0;
+    case Stored::Cut:
+      return record(errhp, 1426, 1);
+    case Stored::NoSuchWidth:
+      break;
   }
   return fail(errhp, 1460);
 }
@@ -97,8 +100,8 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
   const ub4 cap = *targetLength;
   const auto *source = value ? static_cast<const char *>(value) : "";
   const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
-  // The NUL behind the field is part of what is delivered. Where it fits as it stands, that is
-  // all there is to do.
+  // The NUL behind the field is part of what is delivered. Where it fits as it stands,
+  // that is all there is to do.
   if (length < cap && !environment.converts()) {
     zev::copyBytes(target, source, length + 1);
     *targetLength = static_cast<ub4>(std::strlen(source));

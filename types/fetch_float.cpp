@@ -26,9 +26,12 @@ double readHalfSwapped(const void *value) {
 /// the same.
 sword storeTruncated(OCIError *errhp, sb8 value, void *target, ub4 cap) {
   switch (storeInteger<2>(target, cap, value)) {
-    case Stored::Whole: return 0;
-    case Stored::Cut: return record(errhp, 22054, 0);
-    case Stored::NoSuchWidth: break;
+    case Stored::Whole:
+      return 0;
+    case Stored::Cut:
+      return record(errhp, 22054, 0);
+    case Stored::NoSuchWidth:
+      break;
   }
   return -1;
 }

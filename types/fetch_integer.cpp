@@ -31,14 +31,17 @@ sb8 readInt8(OCIError *, const char *s, sword &) {
   return atoi64(s);
 }
 
-/// Stores `value` in the width of the target; one that does not fit is recorded when it has been
-/// stored.
+/// Stores `value` in the width of the target; one that does not fit is recorded when it
+/// has been stored.
 template <class Value, OtherSize Rule>
 sword storeChecked(OCIError *errhp, Value value, void *target, ub4 cap) {
   switch (storeInteger<4>(target, cap, value)) {
-    case Stored::Whole: return 0;
-    case Stored::Cut: return fail(errhp, 22053);
-    case Stored::NoSuchWidth: break;
+    case Stored::Whole:
+      return 0;
+    case Stored::Cut:
+      return fail(errhp, 22053);
+    case Stored::NoSuchWidth:
+      break;
   }
   return Rule == OtherSize::Refuse ? -1 : 0;
 }

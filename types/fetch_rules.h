@@ -64,8 +64,8 @@ bool storeLow(void *target, Wide value) {
 /// What became of an integer in a native target.
 enum class Stored { Whole, Cut, NoSuchWidth };
 
-/// Stores the low bytes of `value` in a target of 1, 2, 4 or 8 bytes. A value that does not fit
-/// is told of for widths up to `Checked`; wider targets cut it in silence.
+/// Stores the low bytes of `value` in a target of 1, 2, 4 or 8 bytes. A value that does
+/// not fit is told of for widths up to `Checked`; wider targets cut it in silence.
 template <std::size_t Checked, class Value>
 Stored storeInteger(void *target, ub4 cap, Value value) {
   const auto store = [&]<class Narrow>(Narrow) {
@@ -73,11 +73,16 @@ Stored storeInteger(void *target, ub4 cap, Value value) {
     return fitted || sizeof(Narrow) > Checked ? Stored::Whole : Stored::Cut;
   };
   switch (cap) {
-    case 1: return store(sb1{});
-    case 2: return store(sb2{});
-    case 4: return store(sb4{});
-    case 8: return store(sb8{});
-    default: return Stored::NoSuchWidth;
+    case 1:
+      return store(sb1{});
+    case 2:
+      return store(sb2{});
+    case 4:
+      return store(sb4{});
+    case 8:
+      return store(sb8{});
+    default:
+      return Stored::NoSuchWidth;
   }
 }
 

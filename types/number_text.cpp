@@ -17,8 +17,8 @@ locale_t cLocale() {
   return locale;
 }
 
-/// Whether an unsigned decimal stands at `s`: what begins otherwise (white space, signs, words,
-/// hexadecimal) is the C library's.
+/// Whether an unsigned decimal stands at `s`: what begins otherwise (white space, signs,
+/// words, hexadecimal) is the C library's.
 bool isPlainDecimal(const char *s) {
   return isDigit(s[0]) && !(s[0] == '0' && (s[1] == 'x' || s[1] == 'X'));
 }

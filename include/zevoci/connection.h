@@ -12,7 +12,7 @@ struct OCIServer : OCIHandle {
   ub1 attached;
   char *dblink;  ///< owned; the connect string as given
   ub4 dblinkLen;
-  char *host;    ///< owned, as are the next three; each may be null
+  char *host;  ///< owned, as are the next three; each may be null
   char *port;
   char *dbname;
   char *uri;
@@ -23,7 +23,8 @@ struct OCIServer : OCIHandle {
   ub4 cursorStrategy;  ///< 1 declared cursor, else portal; default for statements
   ub4 holdPolicy;      ///< 0, 5 or 6; default for statements
   ub1 defaultParams;   ///< argument lookup of routine calls asks for defaults
-  std::FILE *protocolTrace;  ///< owned; where the connection's protocol is traced, or null
+  std::FILE
+      *protocolTrace;  ///< owned; where the connection's protocol is traced, or null
 };
 
 /// The context of calls: which server, session and transaction.
@@ -59,18 +60,19 @@ ZEV_HELPER sword Set_OCISvcCtx(OCISvcCtx *svchp, void *value, ub4 size, ub4 attr
                                OCIError *errhp);
 ZEV_HELPER OCISession *Alloc_OCISession();
 ZEV_HELPER void Free_OCISession(OCISession *session);
-ZEV_HELPER sword Get_OCISession(OCISession *session, void *value, ub4 *size, ub4 attribute,
-                                OCIError *errhp);
+ZEV_HELPER sword Get_OCISession(OCISession *session, void *value, ub4 *size,
+                                ub4 attribute, OCIError *errhp);
 ZEV_HELPER sword Set_OCISession(OCISession *session, void *value, ub4 size, ub4 attribute,
                                 OCIError *errhp);
 
 /// PQserverVersion of the connection made last in this process.
 extern ZEV_HELPER sb4 gDBServerVersion;
 
-/// Splits a connect string into new copies; all four outputs start null. 0 only for a text with a
+/// Splits a connect string into new copies; all four outputs start null. 0 only for a
+/// text with a
 /// "/" before its first ":", which is looked up by name instead. `length` is not used.
-ZEV_HELPER boolean parse_connect_str(const char *text, sb4 length, char **host, char **port,
-                                     char **dbname, char **uri);
+ZEV_HELPER boolean parse_connect_str(const char *text, sb4 length, char **host,
+                                     char **port, char **dbname, char **uri);
 /// Makes every statement below `env` forget what it owns on `server`.
 ZEV_HELPER void markCursorsClosed(OCIEnv *env, OCIServer *server);
 /// The server of a service context in `*server`; OCI_INVALID_HANDLE when there is none.
@@ -83,8 +85,14 @@ namespace zev {
 /// Closes the connection of a server, if there is one.
 void closeConnection(OCIServer *server);
 
-inline OCIServer *asServer(const void *h) { return checked<OCIServer>(h, HANDLE_OCIServer); }
-inline OCISvcCtx *asService(const void *h) { return checked<OCISvcCtx>(h, HANDLE_OCISvcCtx); }
-inline OCISession *asSession(const void *h) { return checked<OCISession>(h, HANDLE_OCISession); }
+inline OCIServer *asServer(const void *h) {
+  return checked<OCIServer>(h, HANDLE_OCIServer);
+}
+inline OCISvcCtx *asService(const void *h) {
+  return checked<OCISvcCtx>(h, HANDLE_OCISvcCtx);
+}
+inline OCISession *asSession(const void *h) {
+  return checked<OCISession>(h, HANDLE_OCISession);
+}
 
 }  // namespace zev

@@ -27,37 +27,41 @@ struct ErrorRecord {
 };
 
 extern "C" {
-/// Appends a record with the catalogue's text. Like its sisters: 0, or -2 for a null or wrong
-/// handle.
+/// Appends a record with the catalogue's text. Like its sisters: 0, or -2 for a null or
+/// wrong handle.
 ZEV_HELPER sword AddErrorRecord(OCIError *errhp, sb4 severity, sb4 code);
 ZEV_HELPER sword AddErrorRecord_MSG(OCIError *errhp, sb4 severity, sb4 code);
 /// With a text of its own instead of the catalogue's.
-ZEV_HELPER sword AddErrorRecord2(OCIError *errhp, sb4 severity, sb4 code, const char *text);
+ZEV_HELPER sword AddErrorRecord2(OCIError *errhp, sb4 severity, sb4 code,
+                                 const char *text);
 /// With a text only; the number reads -1.
 ZEV_HELPER sword AddErrorRecordMsg(OCIError *errhp, sb4 severity, const char *text);
 /// With the catalogue's text, its "%s" filled from `count` further strings in order. A
 /// placeholder in single quotes, and one at the very start, stays as it is.
-ZEV_HELPER sword AddErrorRecordStringX(OCIError *errhp, sb4 severity, sb4 code, int count, ...);
+ZEV_HELPER sword AddErrorRecordStringX(OCIError *errhp, sb4 severity, sb4 code, int count,
+                                       ...);
 /// From a failed server result, or from none at all. -1 for a null handle.
 ZEV_HELPER sword AddPGErrorRecord(OCIError *errhp, sb4 severity, const PGresult *result);
 /// Forgets all records; does nothing for a null or wrong handle.
 ZEV_HELPER void ClearErrorHandle(OCIError *errhp);
 /// Traces a record that was added.
 ZEV_HELPER void finishErr(const ErrorRecord *record, const OCIError *errhp);
-/// The catalogue's text for an Oracle number, translated; "UNKNOWN ERROR CODE" for others.
+/// The catalogue's text for an Oracle number, translated; "UNKNOWN ERROR CODE" for
+/// others.
 ZEV_HELPER const char *o2pGetErrorText(sb4 code);
 /// Orders two rows of the SQLSTATE map, for qsort.
 ZEV_HELPER int compare_sqlstate(const void *a, const void *b);
 /// `text` in the library's message domain.
 ZEV_HELPER const char *oci_gettext(const char *text);
-/// Notice processor of libpq: adds `message` to the error handle `errhp` as a record of status 1
-/// and marks the handle.
+/// Notice processor of libpq: adds `message` to the error handle `errhp` as a record of
+/// status 1 and marks the handle.
 ZEV_HELPER void OCINoticeHandler(void *errhp, const char *message);
 }
 
 namespace zev {
 
-/// Encodes a SQLSTATE of five characters by the server's rule: six bits each, first one lowest.
+/// Encodes a SQLSTATE of five characters by the server's rule: six bits each, first one
+/// lowest.
 sb4 encodeSqlstate(const char *sqlstate);
 
 /// The Oracle number for an encoded SQLSTATE; 0 when there is none.
@@ -91,7 +95,8 @@ inline bool takeNotice(OCIError *errhp) {
   return marked;
 }
 
-/// Records a failed conversion of text at the interface by its errno and returns OCI_ERROR.
+/// Records a failed conversion of text at the interface by its errno and returns
+/// OCI_ERROR.
 sword failConversion(OCIError *errhp, sword status, int error);
 
 }  // namespace zev

@@ -1,4 +1,5 @@
-/// The common header of all handles, the environment, the error handle, and what they share.
+/// The common header of all handles, the environment, the error handle, and what they
+/// share.
 #pragma once
 
 #include <iconv.h>
@@ -33,10 +34,11 @@ enum HandleTag : ub4 {
   HANDLE_OCILobLocator = 19,
 };
 
-/// The first fields of every handle and descriptor. The tag is the only proof of a handle's kind.
+/// The first fields of every handle and descriptor. The tag is the only proof of a
+/// handle's kind.
 struct OCIHandle {
   ub4 handleType;
-  void *parenth;              ///< environment, or the statement of a bind or define; may be null
+  void *parenth;  ///< environment, or the statement of a bind or define; may be null
   std::uint64_t userMemSize;  ///< bytes in userMem
   void *userMem;              ///< the program's block, owned by the handle
 };
@@ -59,18 +61,18 @@ struct OCIEnv : OCIHandle {
   UcbList *entryUcbs[kUcbSlots];
   UcbList *replaceUcbs[kUcbSlots];
   UcbList *exitUcbs[kUcbSlots];
-  sb4 encoding;     ///< the library's number of the client encoding
-  ub1 utf16;        ///< 1 while text crosses the interface in UTF-16
-  iconv_t toUtf8;   ///< open while utf16 is 1
+  sb4 encoding;    ///< the library's number of the client encoding
+  ub1 utf16;       ///< 1 while text crosses the interface in UTF-16
+  iconv_t toUtf8;  ///< open while utf16 is 1
   iconv_t fromUtf8;
   List *spareList;  ///< freed, with its elements, with the environment
 };
 
 /// An error handle: the records of the last call, and scratch text.
 struct OCIError : OCIHandle {
-  List *records;            ///< ErrorRecord, owned
-  char scratchText[1028];   ///< text that some calls format and nobody reads
-  sword noticeStatus;       ///< OCI_SUCCESS_WITH_INFO after a server notice, until taken
+  List *records;           ///< ErrorRecord, owned
+  char scratchText[1028];  ///< text that some calls format and nobody reads
+  sword noticeStatus;      ///< OCI_SUCCESS_WITH_INFO after a server notice, until taken
 };
 
 namespace zev {
@@ -83,20 +85,28 @@ T *checked(const void *handle, HandleTag tag) {
   return static_cast<T *>(const_cast<OCIHandle *>(header));
 }
 
-inline OCIEnv *asEnv(const void *h) { return checked<OCIEnv>(h, HANDLE_OCIEnv); }
-inline OCIError *asError(const void *h) { return checked<OCIError>(h, HANDLE_OCIError); }
+inline OCIEnv *asEnv(const void *h) {
+  return checked<OCIEnv>(h, HANDLE_OCIEnv);
+}
+inline OCIError *asError(const void *h) {
+  return checked<OCIError>(h, HANDLE_OCIError);
+}
 
 /// The environment that is the direct parent of `handle`, or null.
-inline OCIEnv *parentEnv(const OCIHandle *handle) { return asEnv(handle->parenth); }
+inline OCIEnv *parentEnv(const OCIHandle *handle) {
+  return asEnv(handle->parenth);
+}
 
 /// The nearest environment at or above `handle`, or null.
 OCIEnv *climbToEnv(const void *handle);
 
-/// `requested` bytes of zeroed memory for the program, stored in the header of `handle` and in
+/// `requested` bytes of zeroed memory for the program, stored in the header of `handle`
+/// and in
 /// `*out`; false when memory runs out.
 bool giveUserMemory(OCIHandle *handle, std::size_t requested, void **out);
 
-/// Zeroed memory for a record of type `T` with `tag`, from the system allocator; null when out.
+/// Zeroed memory for a record of type `T` with `tag`, from the system allocator; null
+/// when out.
 template <class T>
 T *allocHandle(HandleTag tag);
 
@@ -117,13 +127,15 @@ T *zev::allocHandle(HandleTag tag) {
 extern "C" {
 ZEV_HELPER OCIEnv *Alloc_OCIEnv();
 ZEV_HELPER void Free_OCIEnv(OCIEnv *env);
-ZEV_HELPER sword Get_OCIEnv(OCIEnv *env, void *value, ub4 *size, ub4 attribute, OCIError *errhp);
-ZEV_HELPER sword Set_OCIEnv(OCIEnv *env, void *value, ub4 size, ub4 attribute, OCIError *errhp);
+ZEV_HELPER sword Get_OCIEnv(OCIEnv *env, void *value, ub4 *size, ub4 attribute,
+                            OCIError *errhp);
+ZEV_HELPER sword Set_OCIEnv(OCIEnv *env, void *value, ub4 size, ub4 attribute,
+                            OCIError *errhp);
 ZEV_HELPER OCIError *Alloc_OCIError();
 ZEV_HELPER void Free_OCIError(OCIError *errhp);
 
-/// A block of `size` bytes, not zeroed, that lives until the environment is freed. Null for a
-/// wrong tag, a `size` of 0, and when memory runs out.
+/// A block of `size` bytes, not zeroed, that lives until the environment is freed. Null
+/// for a wrong tag, a `size` of 0, and when memory runs out.
 ZEV_HELPER void *AllocateMemFromEnvCache(OCIEnv *env, std::size_t size);
 ZEV_HELPER void FreeMemFromEnvCache(OCIEnv *env);
 }

@@ -39,13 +39,14 @@ struct OCIStmt : OCIHandle {
   ub4 language;
   ub4 mode;
   boolean prepared;
-  boolean serverPrepared;      ///< also after an attempt that failed
-  OCIServer *pgPreparedServer; ///< where preparedName lives
+  boolean serverPrepared;       ///< also after an attempt that failed
+  OCIServer *pgPreparedServer;  ///< where preparedName lives
   boolean executed;
-  List *binds;          ///< OCIBind, owned, one per distinct placeholder
-  List *defines;        ///< OCIDefine, owned, one per position
-  char *preparedName;   ///< owned; prepared statement of a non-SELECT, a child's server cursor
-  ub4 paramCount;       ///< number of $n in the text last sent
+  List *binds;         ///< OCIBind, owned, one per distinct placeholder
+  List *defines;       ///< OCIDefine, owned, one per position
+  char *preparedName;  ///< owned; prepared statement of a non-SELECT, a child's server
+                       ///< cursor
+  ub4 paramCount;      ///< number of $n in the text last sent
   List *placeholderBinds;  ///< OCIBind, not owned, one per $n
   List *placeholderNames;  ///< char, owned
   boolean isCallable;
@@ -81,9 +82,10 @@ struct OCIStmt : OCIHandle {
   ub4 prefetchRows;
   ub4 prefetchedRows;    ///< rows in the result of the last fetch
   ub4 prefetchConsumed;  ///< of these, delivered one by one
-  ub4 heldDelivered;     ///< leading rows of pgResult that the program has, however it got them
+  ub4 heldDelivered;  ///< leading rows of pgResult that the program has, however it got
+                      ///< them
   ub4 arrayRowCount;
-  List *memCache;  ///< blocks of AllocateMemFromStmtCache
+  List *memCache;             ///< blocks of AllocateMemFromStmtCache
   zev::FetchPlan *fetchPlan;  ///< owned; converters looked up for the columns of pgResult
   ub1 *heldKey;  ///< owned; the key that the statement was asked for under, while in use
   ub4 heldKeyLen;
@@ -92,9 +94,10 @@ struct OCIStmt : OCIHandle {
 /// Directions of a parameter, as OCIBind::paramMode and in paramDirs.
 enum ParamMode : ub4 { kParamIn = 1, kParamOut = 2, kParamInOut = 3 };
 
-/// Bound value to server parameter. `*outBuffer` comes from the system allocator and the caller
-/// frees it after the execute; null with length 0 is SQL NULL. `*outFormat` is 1 for the server's
-/// binary form, 0 for text. Returns 0, 1 (with a warning) or a negative status.
+/// Bound value to server parameter. `*outBuffer` comes from the system allocator and the
+/// caller frees it after the execute; null with length 0 is SQL NULL. `*outFormat` is 1
+/// for the server's binary form, 0 for text. Returns 0, 1 (with a warning) or a negative
+/// status.
 using ToServerConverter = sword (*)(OCIError *errhp, const void *value, sb4 valueLength,
                                     sb2 *indicator, void **outBuffer, ub4 *outLength,
                                     ub1 *outFormat);
@@ -167,16 +170,22 @@ ZEV_HELPER sword Get_OCIDefine(OCIDefine *define, void *value, ub4 *size, ub4 at
 ZEV_HELPER sword Set_OCIDefine(OCIDefine *define, void *value, ub4 size, ub4 attribute,
                                OCIError *errhp);
 
-/// A block of `size` bytes, not zeroed, that lives until the statement is freed. Null for a wrong
-/// tag, a `size` of 0, and when memory runs out.
+/// A block of `size` bytes, not zeroed, that lives until the statement is freed. Null for
+/// a wrong tag, a `size` of 0, and when memory runs out.
 ZEV_HELPER void *AllocateMemFromStmtCache(OCIStmt *stmt, std::size_t size);
 ZEV_HELPER void FreeMemFromStmtCache(OCIStmt *stmt);
 }
 
 namespace zev {
 
-inline OCIStmt *asStmt(const void *h) { return checked<OCIStmt>(h, HANDLE_OCIStmt); }
-inline OCIBind *asBind(const void *h) { return checked<OCIBind>(h, HANDLE_OCIBind); }
-inline OCIDefine *asDefine(const void *h) { return checked<OCIDefine>(h, HANDLE_OCIDefine); }
+inline OCIStmt *asStmt(const void *h) {
+  return checked<OCIStmt>(h, HANDLE_OCIStmt);
+}
+inline OCIBind *asBind(const void *h) {
+  return checked<OCIBind>(h, HANDLE_OCIBind);
+}
+inline OCIDefine *asDefine(const void *h) {
+  return checked<OCIDefine>(h, HANDLE_OCIDefine);
+}
 
 }  // namespace zev

@@ -37,7 +37,8 @@ extern ZEV_HELPER int OCI2PQ_TRACE_LEVEL;
 ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *format, ...)
     __attribute__((format(printf, 3, 4)));
 /// Writes a labelled hex dump, 16 bytes a row, when `mask` is on.
-ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length);
+ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data,
+                            sb4 length);
 /// Whether a trace under `mask` would be written.
 ZEV_HELPER int ocitracing(std::uint64_t mask);
 /// Writes the server's wait statistics for this session when mask 0x2000 is on.

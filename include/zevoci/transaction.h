@@ -1,4 +1,5 @@
-/// Transactions: the handle and the only ways in which the engine changes the server's state.
+/// Transactions: the handle and the only ways in which the engine changes the server's
+/// state.
 #pragma once
 
 #include <libpq-fe.h>
@@ -18,17 +19,20 @@ ZEV_HELPER sword Get_OCITrans(OCITrans *trans, void *value, ub4 *size, ub4 attri
                               OCIError *errhp);
 ZEV_HELPER sword Set_OCITrans(OCITrans *trans, void *value, ub4 size, ub4 attribute,
                               OCIError *errhp);
-/// A new text "formatID.data" with the data bytes as they stand; null when memory runs out.
+/// A new text "formatID.data" with the data bytes as they stand; null when memory runs
+/// out.
 ZEV_HELPER char *GetTransactionNameFromXID(const XID *xid);
 /// Sends BEGIN unless a transaction is open, active or failed.
 ZEV_HELPER void START_TRANSACTION(PGconn *conn);
 /// Sends COMMIT when a transaction is open; one that failed is left alone.
 ZEV_HELPER void COMMIT_TRANSACTION(PGconn *conn);
-/// Sends ROLLBACK when a transaction is open or failed, unless the server keeps transactions
-/// after a failing statement (stmtLevelTx).
+/// Sends ROLLBACK when a transaction is open or failed, unless the server keeps
+/// transactions after a failing statement (stmtLevelTx).
 ZEV_HELPER void ROLLBACK_TRANSACTION(OCIServer *server);
 }
 
 namespace zev {
-inline OCITrans *asTrans(const void *h) { return checked<OCITrans>(h, HANDLE_OCITrans); }
+inline OCITrans *asTrans(const void *h) {
+  return checked<OCITrans>(h, HANDLE_OCITrans);
+}
 }  // namespace zev

@@ -1,4 +1,5 @@
-/// User callbacks: the lists that an environment holds and the three functions that run them.
+/// User callbacks: the lists that an environment holds and the three functions that run
+/// them.
 #pragma once
 
 #include <cstdarg>
@@ -26,11 +27,12 @@ struct UcbList {
 };
 
 extern "C" {
-/// Runs the callbacks of `list` before a call. The first that answers OCI_CONTINUE fixes the
-/// status; all run. A status that ends as OCI_CONTINUE becomes what it was.
+/// Runs the callbacks of `list` before a call. The first that answers OCI_CONTINUE fixes
+/// the status; all run. A status that ends as OCI_CONTINUE becomes what it was.
 ZEV_HELPER sword PerformEntryUcbs(UcbList *list, sword *status, ...);
-/// Runs the replace callbacks of `fcode`. One that does not answer OCI_CONTINUE ends the run with
-/// the exit callbacks and the result 0x800; the call's own work goes on all the same.
+/// Runs the replace callbacks of `fcode`. One that does not answer OCI_CONTINUE ends the
+/// run with the exit callbacks and the result 0x800; the call's own work goes on all the
+/// same.
 ZEV_HELPER sword PerformReplaceUcbs(OCIEnv *env, sword *status, ub4 fcode, ...);
 /// Runs the callbacks of `list` after a call.
 ZEV_HELPER sword PerformExitUcbs(UcbList *list, sword *status, ...);

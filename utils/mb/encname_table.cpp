@@ -1,8 +1,8 @@
-#include "zevoci/encodings.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+
+#include "zevoci/encodings.h"
 
 // clang-format off
 extern "C" {

@@ -12,7 +12,9 @@ constexpr std::size_t kGrowth = 4;
 
 constexpr std::size_t kFailed = SIZE_MAX;
 
-void reset(iconv_t cd) { iconv(cd, nullptr, nullptr, nullptr, nullptr); }
+void reset(iconv_t cd) {
+  iconv(cd, nullptr, nullptr, nullptr, nullptr);
+}
 
 }  // namespace
 

@@ -5,8 +5,8 @@
 
 #include "core/edge_text.h"
 #include "core_fixture.h"
-#include "zevoci/encodings.h"
 #include "failing_allocator.h"
+#include "zevoci/encodings.h"
 
 namespace zev::test {
 namespace {
