@@ -74,6 +74,9 @@ TEST_F(StatementCache, AHandleOfPrepare2IsNeitherPreparedAgainNorFreed) {
   EXPECT_EQ(OCIStmtPrepare(stmt, session.errhp, oraText("select 2"), 8, 1, 0),
             OCI_INVALID_HANDLE);
   EXPECT_EQ(OCIHandleFree(stmt, OCI_HTYPE_STMT), OCI_ERROR);
+  ASSERT_EQ(list_length(session.env->errh->records), 1u);
+  EXPECT_EQ(static_cast<ErrorRecord *>(session.env->errh->records->head->data)->errcode,
+            24436);
   EXPECT_STREQ(stmt->stmtText, "select :a");
 }
 
