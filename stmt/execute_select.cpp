@@ -30,6 +30,12 @@ bool isDeclared(const Execution &x) {
          zev::kStrategyDeclared;
 }
 
+/// Whether the prepared statement behind a portal stands. A declared cursor has none, so
+/// that a statement whose strategy changes is prepared then.
+bool standsPrepared(const OCIStmt *stmt) {
+  return stmt->serverPrepared && stmt->cursor && stmt->cursor->stmtName;
+}
+
 bool isScrollable(const OCIStmt *stmt) {
   return stmt->execMode == OCI_STMT_SCROLLABLE_READONLY;
 }
@@ -79,7 +85,7 @@ sword prepareSelect(const Execution &x, const char *query, const Oid *types) {
 /// Makes sure that the statement stands on the server and its binds are in "$n" order.
 sword settleStatement(const Execution &x) {
   OCIStmt *stmt = x.stmt;
-  if (stmt->serverPrepared) {
+  if (standsPrepared(stmt)) {
     if (!stmt->placeholderBinds) const zev::RewrittenText bindsOnly(stmt, stmt->stmtText);
     return OCI_SUCCESS;
   }
@@ -159,7 +165,7 @@ bool stopsCall(sword status) {
 void closeWithNext(const Execution &x) {
   PortalState *cursor = x.stmt->cursor;
   const bool isOurs = cursor && cursor->server == x.server && cursor->portalName &&
-                      x.stmt->serverPrepared && x.stmt->execMode != OCI_DESCRIBE_ONLY;
+                      standsPrepared(x.stmt) && x.stmt->execMode != OCI_DESCRIBE_ONLY;
   if (!isOurs) return;
   ocitrace(kTracePortals, "closePortal", "closing %s\n", cursor->portalName);
   PQextCloseLater(x.server->conn, cursor->portalName);
@@ -169,7 +175,7 @@ void closeWithNext(const Execution &x) {
 /// Opens the transaction, together with the portal where nothing has to be prepared
 /// first.
 void beginWithPortal(const Execution &x) {
-  if (x.stmt->serverPrepared && x.stmt->execMode != OCI_DESCRIBE_ONLY) {
+  if (standsPrepared(x.stmt) && x.stmt->execMode != OCI_DESCRIBE_ONLY) {
     PQextBeginFirst(x.server->conn);
   } else {
     START_TRANSACTION(x.server->conn);
