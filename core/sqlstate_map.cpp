@@ -42,13 +42,13 @@ constexpr bool byEncoded(const SqlstateCode &a, const SqlstateCode &b) {
   return a.encoded < b.encoded;
 }
 
-constexpr auto kSorted = [] {
+constexpr auto sqlstate_map = [] {
   auto rows = kDeclared;
   std::sort(rows.begin(), rows.end(), byEncoded);
   return rows;
 }();
 
-static_assert(kSorted.size() == 56);
+static_assert(sqlstate_map.size() == 56);
 
 }  // namespace
 
@@ -57,9 +57,9 @@ sb4 encodeSqlstate(const char *sqlstate) {
 }
 
 sb4 oracleCodeOf(sb4 encodedSqlstate) {
-  const auto *row = std::lower_bound(kSorted.begin(), kSorted.end(),
+  const auto *row = std::lower_bound(sqlstate_map.begin(), sqlstate_map.end(),
                                      SqlstateCode{encodedSqlstate, 0}, byEncoded);
-  return row != kSorted.end() && row->encoded == encodedSqlstate ? row->code : 0;
+  return row != sqlstate_map.end() && row->encoded == encodedSqlstate ? row->code : 0;
 }
 
 }  // namespace zev

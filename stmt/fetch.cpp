@@ -175,9 +175,10 @@ void traceResult(const OCIStmt *stmt) {
   if (!zev::tracing(kTraceResults)) return;
   PGresult *result = stmt->pgResult;
   ocitrace(kTraceResults, "doFetch",
-           "stmtp(%p) ntuples(%d) nfields(%d) cmdtuples(%s) cmdstatus(%s)\n",
+           "stmtp(%p) ntuples(%d) nfields(%d) cmdtuples(%d) cmdstatus(%s)\n",
            static_cast<const void *>(stmt), PQntuples(result), PQnfields(result),
-           result ? PQcmdTuples(result) : "", result ? PQcmdStatus(result) : "");
+           result ? std::atoi(PQcmdTuples(result)) : 0,
+           result ? PQcmdStatus(result) : "");
 }
 
 sword traceFailure(const OCIStmt *stmt) {
