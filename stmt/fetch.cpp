@@ -52,37 +52,29 @@ sb4 tagCount(const char *tag) {
   return blank ? static_cast<sb4>(std::strtol(blank, nullptr, 10)) : 0;
 }
 
-/// Finds the number of the last row by moving behind it. A failure leaves it unknown.
-void findLastRow(OCIServer *server, PortalState *cursor, OCIError *errhp) {
-  const std::string sql = std::string("MOVE FORWARD ALL IN ") + cursor->portalName;
-  zev::PgResult result(execSimpleCommand(server->conn, sql.c_str(), errhp));
-  if (simpleCommandFailed(result.get())) {
-    zev::failAndRollBack(server, errhp, result.get());
-    return;
-  }
-  cursor->lastRow =
-      static_cast<sb4>(cursor->currentRow) + tagCount(PQcmdStatus(result.get()));
-}
-
-/// The row, counted from 1, at which a fetch begins.
+/// The row, counted from 1, at which a fetch begins. Rows that no number of a row reaches
+/// are all behind the last one.
 sb4 computeStartRow(const PortalState *cursor, ub2 orientation, sb4 offset) {
-  const auto current = static_cast<sb4>(cursor->currentRow);
+  const sb8 current = cursor->currentRow;
+  const auto limited = [](sb8 row) {
+    return static_cast<sb4>(std::clamp<sb8>(row, SB4MINVAL, SB4MAXVAL));
+  };
   switch (orientation) {
     case OCI_DEFAULT:
     case OCI_FETCH_NEXT:
-      return current + 1;
+      return limited(current + 1);
     case OCI_FETCH_CURRENT:
-      return current;
+      return limited(current);
     case OCI_FETCH_FIRST:
       return 1;
     case OCI_FETCH_LAST:
       return cursor->lastRow;
     case OCI_FETCH_PRIOR:
-      return current - 1;
+      return limited(current - 1);
     case OCI_FETCH_ABSOLUTE:
       return offset;
     case OCI_FETCH_RELATIVE:
-      return current + offset;
+      return limited(current + offset);
     default:
       ZEV_ASSERT(false, "unknown orientation");
       return 0;
@@ -94,6 +86,24 @@ zev::PgResult moveAbsolute(OCIServer *server, const PortalState *cursor, OCIErro
   const std::string sql =
       "MOVE ABSOLUTE " + std::to_string(row) + " IN \"" + cursor->portalName + '"';
   return zev::PgResult(execSimpleCommand(server->conn, sql.c_str(), errhp));
+}
+
+/// Finds the number of the last row by moving behind it. A failure leaves it unknown.
+void findLastRow(OCIServer *server, PortalState *cursor, OCIError *errhp) {
+  // A position that no row was read at may lie anywhere behind the last row, and counts
+  // nothing.
+  if (cursor->currentRow > cursor->maxRow) {
+    moveAbsolute(server, cursor, errhp, 0);
+    cursor->currentRow = 0;
+  }
+  const std::string sql = std::string("MOVE FORWARD ALL IN ") + cursor->portalName;
+  zev::PgResult result(execSimpleCommand(server->conn, sql.c_str(), errhp));
+  if (simpleCommandFailed(result.get())) {
+    zev::failAndRollBack(server, errhp, result.get());
+    return;
+  }
+  cursor->lastRow =
+      static_cast<sb4>(cursor->currentRow) + tagCount(PQcmdStatus(result.get()));
 }
 
 /// Puts the portal before row `target`.

@@ -122,6 +122,17 @@ TEST_P(ScrollTest, EveryOrientationGivesTheRowOfTheModel) {
   }
 }
 
+TEST_P(ScrollTest, TheLastRowIsFoundFromFarBehindIt) {
+  Statement stmt = scrolling();
+  ASSERT_EQ(stmt.execute(0, OCI_STMT_SCROLLABLE_READONLY), OCI_SUCCESS) << errorText();
+  Model model;
+  expectFetch(stmt, model, OCI_FETCH_ABSOLUTE, 500);
+  expectFetch(stmt, model, OCI_FETCH_LAST, 0);
+  expectFetch(stmt, model, OCI_FETCH_PRIOR, 0);
+  EXPECT_EQ(stmt.fetch(1, OCI_FETCH_RELATIVE, SB4MAXVAL), OCI_NO_DATA);
+  EXPECT_EQ(stmt.fetch(1, OCI_FETCH_RELATIVE, SB4MINVAL), OCI_NO_DATA);
+}
+
 TEST_P(ScrollTest, RandomWalksGiveTheRowsOfTheModel) {
   constexpr int kSteps = 60;
   SCOPED_TRACE("ZEVOCI_TEST_SEED=" + std::to_string(seed()));
