@@ -34,7 +34,7 @@ ZEV_HELPER sword AddErrorRecord_MSG(OCIError *errhp, sb4 severity, sb4 code);
 /// With a text of its own instead of the catalogue's.
 ZEV_HELPER sword AddErrorRecord2(OCIError *errhp, sb4 severity, sb4 code,
                                  const char *text);
-/// With a text only; the number reads -1.
+/// With a text only, number -1 in the record; OCIErrorGet reads 0.
 ZEV_HELPER sword AddErrorRecordMsg(OCIError *errhp, sb4 severity, const char *text);
 /// With the catalogue's text, its "%s" filled from `count` further strings in order. A
 /// placeholder in single quotes, and one at the very start, stays as it is.
