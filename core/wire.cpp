@@ -82,16 +82,6 @@ PgResult describePortal(PGconn *conn, const char *name) {
   return PgResult(PQdescribePortal(conn, name));
 }
 
-int sendPrepare(PGconn *conn, const char *name, const char *sql, int count,
-                const Oid *types) {
-  return PQsendPrepare(conn, name, sql, count, types);
-}
-
-int sendQueryPrepared(PGconn *conn, const char *name, const Parameters &p) {
-  return PQsendQueryPrepared(conn, name, p.count, p.values, p.lengths, p.formats,
-                             kTextResults);
-}
-
 PgResult getResult(PGconn *conn) {
   return PgResult(PQgetResult(conn));
 }

@@ -27,11 +27,6 @@ PgResult execPrepared(PGconn *conn, const char *name, const Parameters &paramete
 PgResult describePrepared(PGconn *conn, const char *name);
 PgResult describePortal(PGconn *conn, const char *name);
 
-/// Send without waiting; non-zero when sent.
-int sendPrepare(PGconn *conn, const char *name, const char *sql, int count,
-                const Oid *types);
-int sendQueryPrepared(PGconn *conn, const char *name, const Parameters &parameters);
-
 /// The next result of what was sent, waiting for it; null when there is none left.
 PgResult getResult(PGconn *conn);
 

@@ -75,6 +75,17 @@ sword convertDynamic(const OCIBind *bind, OCIError *errhp) {
   return zev::fail(errhp, 3001);
 }
 
+/// Writes what each bind holds into the arrays of the client library; zeros for a null
+/// element.
+template <class Value>
+void gatherValues(const List *binds, Value *values, int *lengths, int *formats) {
+  for (const OCIBind *bind : zev::Elements<OCIBind>(binds)) {
+    *values++ = bind ? bind->pgValue : nullptr;
+    *lengths++ = bind ? static_cast<int>(bind->pgLength) : 0;
+    *formats++ = bind ? bind->pgFormat : 0;
+  }
+}
+
 bool stopsWalk(sword status) {
   return status < 0 || status > OCI_SUCCESS_WITH_INFO;
 }
@@ -111,12 +122,7 @@ sword bindPgValues(List **placeholderBinds, char ***values, int **lengths,
   *lengths = static_cast<int *>(std::malloc(count * sizeof(int)));
   *formats = static_cast<int *>(std::malloc(count * sizeof(int)));
   if (!*values || !*lengths || !*formats) return OCI_ERROR;
-  ub4 i = 0;
-  for (const OCIBind *bind : zev::Elements<OCIBind>(*placeholderBinds)) {
-    (*values)[i] = bind ? bind->pgValue : nullptr;
-    (*lengths)[i] = bind ? static_cast<int>(bind->pgLength) : 0;
-    (*formats)[i++] = bind ? bind->pgFormat : 0;
-  }
+  gatherValues(*placeholderBinds, *values, *lengths, *formats);
   return OCI_SUCCESS;
 }
 
@@ -141,12 +147,7 @@ ParameterArrays::ParameterArrays(const List *placeholderBinds)
 }
 
 void ParameterArrays::gather() {
-  std::size_t i = 0;
-  for (const OCIBind *bind : Elements<OCIBind>(binds_)) {
-    values_[i] = bind ? bind->pgValue : nullptr;
-    lengths_[i] = bind ? static_cast<int>(bind->pgLength) : 0;
-    formats_[i++] = bind ? bind->pgFormat : 0;
-  }
+  gatherValues(binds_, values_.data(), lengths_.data(), formats_.data());
 }
 
 wire::Parameters ParameterArrays::parameters(ub4 count) const {
