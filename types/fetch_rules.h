@@ -86,4 +86,19 @@ Stored storeInteger(void *target, ub4 cap, Value value) {
   }
 }
 
+/// A float of a fixed width, by `Fetch`, the member whose target's size tells the width:
+/// that size becomes `Width`, and what it was again after a failure. A target below
+/// `MinCap` bytes is refused; 0 refuses none.
+template <FromServerConverter Fetch, ub4 Width, ub4 MinCap = Width>
+sword fetchFixedFloat(FETCH_PARAMS) {
+  const ub4 cap = *targetLength;
+  if constexpr (MinCap != 0) {
+    if (cap < MinCap) return -1;
+  }
+  *targetLength = Width;
+  const sword status = Fetch(FETCH_ARGUMENTS);
+  if (status < 0) *targetLength = cap;
+  return status;
+}
+
 }  // namespace zev
