@@ -2,6 +2,7 @@
 
 #include "types/converters.h"
 #include "types/converters_pending.h"
+#include "types/guarded_conversions.h"
 #include "types/server_types.h"
 
 // A pair that is bound: external type, server type, and the names that its converter has.
@@ -132,3 +133,12 @@ static_assert(OCIToPQConversionFunctions[kToServerEntries - 1].firstKey != 0);
 static_assert(PQToOCIConversionFunctions[kFromServerEntries - 1].firstKey != 0);
 
 }  // namespace
+
+constexpr std::array<FromServerConverter, kFromServerEntries> zev::kGuardedConverters =
+    [] {
+      std::array<FromServerConverter, kFromServerEntries> all{};
+      for (int i = 0; i < kFromServerEntries; ++i) {
+        all[i] = guarded(PQToOCIConversionFunctions[i].converter.fromServer);
+      }
+      return all;
+    }();

@@ -1,6 +1,8 @@
 /// The two sorted tables that pair types with converters.
 #pragma once
 
+#include <array>
+
 #include "zevoci/conversion.h"
 
 /// A converter of either direction; the table that holds it tells which.
@@ -36,3 +38,15 @@ ZEV_HELPER Converter GetConversionFunctionInternal(ub4 firstKey, ub4 secondKey,
 ZEV_HELPER sb4 CompareConversionFunctionEntry(const ConversionEntry *e, sb4 firstKey,
                                               sb4 secondKey);
 }
+
+namespace zev {
+
+/// For each entry of PQToOCIConversionFunctions the converter to run on memory of the
+/// program, which stays inside it; null where the entry is.
+extern const std::array<FromServerConverter, kFromServerEntries> kGuardedConverters;
+
+/// The index of a pair in a sorted table, or -1.
+sb4 findConversion(ub4 firstKey, ub4 secondKey, const ConversionEntry *table, sb4 low,
+                   sb4 high);
+
+}  // namespace zev

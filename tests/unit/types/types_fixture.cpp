@@ -2,19 +2,25 @@
 
 #include "zevoci/conversion.h"
 
-void zevtest::expectFetch(Session &session, const FetchCase &c) {
+namespace {
+
+using zevtest::FetchCase;
+
+/// Runs a fetch by `run`, which gets the arguments of a converter.
+template <class Run>
+void expectBy(zevtest::Session &session, const FetchCase &c, Run &&run) {
   SCOPED_TRACE(c.name);
-  const auto target = guarded(c.bytes.size());
+  const auto target = zevtest::guarded(c.bytes.size());
   // libpq ends every field with a NUL.
-  const auto value = exactCopy(c.value + '\0');
+  const auto value = zevtest::exactCopy(c.value + '\0');
   ub4 length = c.cap;
   sb2 indicator = 77;
   ub2 returnCode = 77;
-  const bool hasIndicator = c.indicator != kNoIndicator;
+  const bool hasIndicator = c.indicator != zevtest::kNoIndicator;
   errno = 0;
-  const sword result = PQ2OCIType(
-      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
-      c.dty, target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
+  const sword result =
+      run(session.errhp, value.get(), static_cast<sb4>(c.value.size()), c.format,
+          target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(std::string(target.get(), c.bytes.size()), c.bytes);
   EXPECT_EQ(length, c.length);
@@ -23,6 +29,31 @@ void zevtest::expectFetch(Session &session, const FetchCase &c) {
   }
   EXPECT_EQ(returnCode, c.returnCode);
   EXPECT_EQ(session.takeRecord(), c.code);
+}
+
+}  // namespace
+
+void zevtest::expectFetch(Session &session, const FetchCase &c) {
+  expectBy(session, c,
+           [&c](OCIError *errhp, const void *value, sb4 size, ub1 format, void *target,
+                ub4 *length, sb2 *indicator, ub2 *returnCode) {
+             return PQ2OCIType(errhp, c.oid, static_cast<const char *>(value), size,
+                               format, c.dty, target, length, indicator, returnCode, 0);
+           });
+}
+
+void zevtest::expectMember(Session &session, const FetchCase &c) {
+  const auto member = findPQToOCIConversion(c.oid, c.dty, nullptr);
+  ASSERT_NE(member, nullptr);
+  expectBy(session, c,
+           [member](OCIError *errhp, const void *value, sb4 size, ub1 format,
+                    void *target, ub4 *length, sb2 *indicator, ub2 *returnCode) {
+             // The dispatcher does so.
+             if (indicator) *indicator = 0;
+             *returnCode = 0;
+             return member(errhp, value, size, format, target, length, indicator,
+                           returnCode);
+           });
 }
 
 void zevtest::expectBind(Session &session, const BindCase &c) {
