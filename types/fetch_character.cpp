@@ -6,25 +6,14 @@
 namespace zev {
 namespace {
 
-/// Stores the low bytes of an unsigned integer in a target of 1, 2 or 4 bytes.
-Stored storeUnsigned(void *target, ub4 cap, long value) {
-  const auto store = [&]<class Narrow>(Narrow) {
-    return storeLow<Narrow>(target, value) ? Stored::Whole : Stored::Cut;
-  };
-  switch (cap) {
-    case 1:
-      return store(ub1{});
-    case 2:
-      return store(ub2{});
-    case 4:
-      return store(ub4{});
-    default:
-      return Stored::NoSuchWidth;
-  }
-}
-
 Stored storeSigned(void *target, ub4 cap, long value) {
   return storeInteger<2>(target, cap, value);
+}
+
+/// No unsigned target has eight bytes.
+Stored storeUnsigned(void *target, ub4 cap, long value) {
+  if (cap == sizeof(ub8)) return Stored::NoSuchWidth;
+  return storeInteger<4, Sign::Unsigned>(target, cap, value);
 }
 
 /// The body of SQLT_INT and SQLT_UIN. The text starts with a digit, and what follows the
