@@ -82,10 +82,31 @@ ZEV_HELPER FromServerFunction
     ConvertFLOAT4OIDToSQLT_NUM, ConvertFLOAT4OIDToSQLT_VNU,
     ConvertFLOAT8OIDToSQLT_NUM, ConvertFLOAT8OIDToSQLT_VNU;
 
-// Character data that are fetched.
+// Character data that are fetched: into characters, numbers and, from the text form of
+// a byte string, bytes. NUM writes 21 bytes and VNU up to 22; VCS and LVC copy the whole
+// text, whatever the target's size.
 ZEV_HELPER FromServerFunction
-    ConvertTEXTOIDToSQLT_CHR, ConvertTEXTOIDToSQLT_STR, ConvertTEXTOIDToSQLT_INT,
-    ConvertTEXTOIDToSQLT_FLT;
+    ConvertTEXTOIDToSQLT_CHR,    ConvertTEXTOIDToSQLT_STR, ConvertTEXTOIDToSQLT_LNG,
+    ConvertTEXTOIDToSQLT_AVC,    ConvertTEXTOIDToSQLT_VCS, ConvertTEXTOIDToSQLT_LVC,
+    ConvertTEXTOIDToSQLT_VST,
+    ConvertTEXTOIDToSQLT_INT,    ConvertTEXTOIDToSQLT_UIN, ConvertTEXTOIDToSQLT_FLT,
+    ConvertTEXTOIDToSQLT_BFLOAT, ConvertTEXTOIDToSQLT_BDOUBLE,
+    ConvertTEXTOIDToSQLT_NUM,    ConvertTEXTOIDToSQLT_VNU,
+    ConvertTEXTOIDToSQLT_BIN,    ConvertTEXTOIDToSQLT_LBI, ConvertTEXTOIDToSQLT_VBI,
+    ConvertTEXTOIDToSQLT_LVB;
+
+// Byte strings that are fetched: into hex digits and into bytes. VBI and LVB copy a
+// binary field whole, whatever the target's size.
+ZEV_HELPER FromServerFunction
+    ConvertBYTEAOIDToSQLT_CHR, ConvertBYTEAOIDToSQLT_STR, ConvertBYTEAOIDToSQLT_LNG,
+    ConvertBYTEAOIDToSQLT_AFC, ConvertBYTEAOIDToSQLT_AVC, ConvertBYTEAOIDToSQLT_VCS,
+    ConvertBYTEAOIDToSQLT_LVC, ConvertBYTEAOIDToSQLT_VST,
+    ConvertBYTEAOIDToSQLT_BIN, ConvertBYTEAOIDToSQLT_LBI, ConvertBYTEAOIDToSQLT_VBI,
+    ConvertBYTEAOIDToSQLT_LVB;
+
+// The OID of a large object into the locator whose address the target holds. Record 1733
+// for what is no locator.
+ZEV_HELPER FromServerFunction ConvertOIDOIDToSQLT_BLOB;
 
 }
 // clang-format on

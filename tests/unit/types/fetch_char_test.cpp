@@ -11,7 +11,7 @@ class FetchChar : public testing::TestWithParam<FetchCase> {
 };
 
 TEST_P(FetchChar, Arrives) {
-  expectMember(session, GetParam());
+  expectFetch(session, GetParam());
 }
 
 const Oid kChar = CHAROID;

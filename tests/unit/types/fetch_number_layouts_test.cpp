@@ -12,7 +12,7 @@ class FetchNumberLayouts : public testing::TestWithParam<FetchCase> {
 
 /// The dispatcher would bound what is written behind the target; these rows show all.
 TEST_P(FetchNumberLayouts, Arrives) {
-  expectMember(session, GetParam());
+  expectDirectFetch(session, GetParam());
 }
 
 const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID, kFloat4 = FLOAT4OID,

@@ -4,23 +4,22 @@
 
 namespace {
 
-using zevtest::FetchCase;
-
-/// Runs a fetch by `run`, which gets the arguments of a converter.
-template <class Run>
-void expectBy(zevtest::Session &session, const FetchCase &c, Run &&run) {
+/// Fetches by `convert`, which has the arguments of a converter, and compares.
+template <class Convert>
+void expectFetchBy(Convert convert, zevtest::Session &session,
+                   const zevtest::FetchCase &c) {
   SCOPED_TRACE(c.name);
   const auto target = zevtest::guarded(c.bytes.size());
   // libpq ends every field with a NUL.
   const auto value = zevtest::exactCopy(c.value + '\0');
   ub4 length = c.cap;
   sb2 indicator = 77;
-  ub2 returnCode = 77;
+  ub2 returnCode = 0;
   const bool hasIndicator = c.indicator != zevtest::kNoIndicator;
   errno = 0;
   const sword result =
-      run(session.errhp, value.get(), static_cast<sb4>(c.value.size()), c.format,
-          target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode);
+      convert(session.errhp, value.get(), static_cast<sb4>(c.value.size()), c.format,
+              target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(std::string(target.get(), c.bytes.size()), c.bytes);
   EXPECT_EQ(length, c.length);
@@ -34,26 +33,20 @@ void expectBy(zevtest::Session &session, const FetchCase &c, Run &&run) {
 }  // namespace
 
 void zevtest::expectFetch(Session &session, const FetchCase &c) {
-  expectBy(session, c,
-           [&c](OCIError *errhp, const void *value, sb4 size, ub1 format, void *target,
-                ub4 *length, sb2 *indicator, ub2 *returnCode) {
-             return PQ2OCIType(errhp, c.oid, static_cast<const char *>(value), size,
-                               format, c.dty, target, length, indicator, returnCode, 0);
-           });
+  const auto dispatch = [&c](OCIError *errhp, const char *value, sb4 valueLength,
+                             ub1 format, void *target, ub4 *length, sb2 *indicator,
+                             ub2 *returnCode) {
+    *returnCode = 77;
+    return PQ2OCIType(errhp, c.oid, value, valueLength, format, c.dty, target, length,
+                      indicator, returnCode, 0);
+  };
+  expectFetchBy(dispatch, session, c);
 }
 
-void zevtest::expectMember(Session &session, const FetchCase &c) {
-  const auto member = findPQToOCIConversion(c.oid, c.dty, nullptr);
-  ASSERT_NE(member, nullptr);
-  expectBy(session, c,
-           [member](OCIError *errhp, const void *value, sb4 size, ub1 format,
-                    void *target, ub4 *length, sb2 *indicator, ub2 *returnCode) {
-             // The dispatcher does so.
-             if (indicator) *indicator = 0;
-             *returnCode = 0;
-             return member(errhp, value, size, format, target, length, indicator,
-                           returnCode);
-           });
+void zevtest::expectDirectFetch(Session &session, const FetchCase &c) {
+  const FromServerConverter convert = findPQToOCIConversion(c.oid, c.dty, nullptr);
+  ASSERT_NE(convert, nullptr);
+  expectFetchBy(convert, session, c);
 }
 
 void zevtest::expectBind(Session &session, const BindCase &c) {
