@@ -101,8 +101,7 @@ sb4 zev::findConversion(ub4 firstKey, ub4 secondKey, const ConversionEntry *tabl
 
 ColumnConversion zev::conversionOf(Oid pgType, ub2 ociType, PGconn *conn) {
   const sb4 row = findFromServer(pgType, ociType, conn);
-  return {row < 0 ? nullptr : kGuardedConverters[static_cast<std::size_t>(row)], pgType,
-          ociType};
+  return {row < 0 ? nullptr : kGuardedConverters[row], pgType, ociType};
 }
 
 extern "C" sb4 CompareConversionFunctionEntry(const ConversionEntry *e, sb4 firstKey,

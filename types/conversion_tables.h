@@ -1,8 +1,6 @@
 /// The two sorted tables that pair types with converters.
 #pragma once
 
-#include <array>
-
 #include "zevoci/conversion.h"
 
 /// A converter of either direction; the table that holds it tells which.
@@ -43,7 +41,7 @@ namespace zev {
 
 /// For each entry of PQToOCIConversionFunctions the converter to run on memory of the
 /// program, which stays inside it; null where the entry is.
-extern const std::array<FromServerConverter, kFromServerEntries> kGuardedConverters;
+extern const FromServerConverter kGuardedConverters[kFromServerEntries];
 
 /// The index of a pair in a sorted table, or -1.
 sb4 findConversion(ub4 firstKey, ub4 secondKey, const ConversionEntry *table, sb4 low,

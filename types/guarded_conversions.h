@@ -40,55 +40,55 @@ sword fetchGuarded(FETCH_PARAMS) {
   return status;
 }
 
-namespace guards {
-inline constexpr ub4 kPrefix = 4;           ///< a length, in a target too short for it
-inline constexpr ub4 kShort = kPrefix + 6;  ///< a length and a printed 16-bit integer
-inline constexpr ub4 kFloat = sizeof(double);
-}  // namespace guards
+inline constexpr ub4 kLongPrefix = 4;  ///< a length, in a target too short for it
+inline constexpr ub4 kPrintedShort =
+    kLongPrefix + 6;  ///< a length and a printed 16-bit integer
+inline constexpr ub4 kLongestFloat = sizeof(double);
 
 // clang-format off
 #define GUARDED_MEMBERS(X)                                                                \
-  X(ConvertTEXTOIDToSQLT_VCS,       2, kPrefix)     /* a byte doubles in UTF-16 */        \
-  X(ConvertTEXTOIDToSQLT_LVC,       2, kPrefix)                                           \
-  X(ConvertTEXTOIDToSQLT_VBI,       0, kPrefix)                                           \
-  X(ConvertTEXTOIDToSQLT_LVB,       0, kPrefix)                                           \
+  X(ConvertTEXTOIDToSQLT_VCS,       2, kLongPrefix)     /* a byte doubles in UTF-16 */        \
+  X(ConvertTEXTOIDToSQLT_LVC,       2, kLongPrefix)                                           \
+  X(ConvertTEXTOIDToSQLT_VBI,       0, kLongPrefix)                                           \
+  X(ConvertTEXTOIDToSQLT_LVB,       0, kLongPrefix)                                           \
   X(ConvertTEXTOIDToSQLT_NUM,       0, kVarnumSize)                                       \
   X(ConvertTEXTOIDToSQLT_VNU,       0, kVarnumSize)                                       \
-  X(ConvertBYTEAOIDToSQLT_VCS,      0, kPrefix)                                           \
-  X(ConvertBYTEAOIDToSQLT_LVC,      0, kPrefix)                                           \
-  X(ConvertBYTEAOIDToSQLT_VBI,      1, kPrefix)                                           \
-  X(ConvertBYTEAOIDToSQLT_LVB,      1, kPrefix)                                           \
-  X(ConvertCHAROIDToSQLT_VCS,       0, kPrefix)                                           \
-  X(ConvertCHAROIDToSQLT_LVC,       0, kPrefix + 1)                                       \
+  X(ConvertBYTEAOIDToSQLT_VCS,      0, kLongPrefix)                                           \
+  X(ConvertBYTEAOIDToSQLT_LVC,      0, kLongPrefix)                                           \
+  X(ConvertBYTEAOIDToSQLT_VBI,      1, kLongPrefix)                                           \
+  X(ConvertBYTEAOIDToSQLT_LVB,      1, kLongPrefix)                                           \
+  X(ConvertCHAROIDToSQLT_VCS,       0, kLongPrefix)                                           \
+  X(ConvertCHAROIDToSQLT_LVC,       0, kLongPrefix + 1)                                       \
   X(ConvertCHAROIDToSQLT_VNU,       0, kVarnumSize)                                       \
-  X(ConvertINT2OIDToSQLT_VCS,       1, kShort)                                            \
-  X(ConvertINT2OIDToSQLT_LVC,       1, kShort)                                            \
+  X(ConvertINT2OIDToSQLT_VCS,       1, kPrintedShort)                                            \
+  X(ConvertINT2OIDToSQLT_LVC,       1, kPrintedShort)                                            \
   X(ConvertINT2OIDToSQLT_VNU,       0, kVarnumSize)                                       \
   X(ConvertINT4OIDToSQLT_VNU,       0, kVarnumSize)                                       \
   X(ConvertINT8OIDToSQLT_VNU,       0, kVarnumSize)                                       \
-  X(ConvertINT8OIDToSQLT_BDOUBLE,   0, kFloat)                                            \
-  X(ConvertFLOAT4OIDToSQLT_LVC,     0, kPrefix)                                           \
-  X(ConvertFLOAT8OIDToSQLT_LVC,     0, kPrefix)                                           \
+  X(ConvertINT8OIDToSQLT_BDOUBLE,   0, kLongestFloat)                                            \
+  X(ConvertFLOAT4OIDToSQLT_LVC,     0, kLongPrefix)                                           \
+  X(ConvertFLOAT8OIDToSQLT_LVC,     0, kLongPrefix)                                           \
   X(ConvertFLOAT4OIDToSQLT_NUM,     0, kVarnumSize)                                       \
   X(ConvertFLOAT8OIDToSQLT_NUM,     0, kVarnumSize)                                       \
   X(ConvertFLOAT4OIDToSQLT_VNU,     0, kVarnumSize)                                       \
   X(ConvertFLOAT8OIDToSQLT_VNU,     0, kVarnumSize)                                       \
-  X(ConvertFLOAT4OIDToSQLT_BFLOAT,  0, kFloat)                                            \
-  X(ConvertFLOAT8OIDToSQLT_BFLOAT,  0, kFloat)                                            \
-  X(ConvertFLOAT4OIDToSQLT_BDOUBLE, 0, kFloat)                                            \
-  X(ConvertFLOAT8OIDToSQLT_BDOUBLE, 0, kFloat)                                            \
+  X(ConvertFLOAT4OIDToSQLT_BFLOAT,  0, kLongestFloat)                                            \
+  X(ConvertFLOAT8OIDToSQLT_BFLOAT,  0, kLongestFloat)                                            \
+  X(ConvertFLOAT4OIDToSQLT_BDOUBLE, 0, kLongestFloat)                                            \
+  X(ConvertFLOAT8OIDToSQLT_BDOUBLE, 0, kLongestFloat)                                            \
   X(ConvertNUMERICOIDToSQLT_VNU,    0, kVarnumSize)
 // clang-format on
 
-/// The converter to run on memory of the program in place of `member`, which may be null.
-constexpr FromServerConverter guarded(FromServerConverter member) {
-#define GUARD(name, perByte, fixed) \
-  if (member == name) return fetchGuarded<name, perByte, fixed>;
-  using namespace guards;
-  GUARDED_MEMBERS(GUARD)
+/// The converter to run on memory of the program in place of `Member`, which may be null.
+template <FromServerConverter Member>
+inline constexpr FromServerConverter kGuarded = Member;
+
+#define GUARD(name, perByte, fixed)                     \
+  template <>                                           \
+  inline constexpr FromServerConverter kGuarded<name> = \
+      fetchGuarded<name, perByte, fixed>;
+GUARDED_MEMBERS(GUARD)
 #undef GUARD
-  return member;
-}
 #undef GUARDED_MEMBERS
 
 }  // namespace zev

@@ -107,8 +107,7 @@ TEST_F(FetchChar, SomeMembersLeaveTheIndicatorAlone) {
     char target[32];
     ub4 length = sizeof target;
     sb2 indicator = 77;
-    EXPECT_EQ(
-        convert(session.errhp, "7", 1, 0, target, &length, &indicator, nullptr), 0);
+    EXPECT_EQ(convert(session.errhp, "7", 1, 0, target, &length, &indicator, nullptr), 0);
     return indicator;
   };
   for (const auto convert :

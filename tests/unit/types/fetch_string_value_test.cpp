@@ -41,10 +41,9 @@ TEST_P(FetchStringValue, Arrives) {
   sb2 indicator = 77;
   ub2 returnCode = 77;
   const bool hasIndicator = c.indicator != kNoIndicator;
-  const sword result =
-      PQ2OCIType(session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()),
-                 c.format, SQLT_VST, &target, &length,
-                 hasIndicator ? &indicator : nullptr, &returnCode, 0);
+  const sword result = PQ2OCIType(
+      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
+      SQLT_VST, &target, &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(std::string(text.get(), c.size), c.text);
   EXPECT_EQ(string.length, c.length);
@@ -136,9 +135,9 @@ TEST_F(FetchStringValue, BinaryNumericsAreReadUnswapped) {
     OCIString string{40, 99, reinterpret_cast<OraText *>(text.get())};
     OCIString *target = &string;
     ub4 length = sizeof target;
-    const sword result = ConvertNUMERICOIDToSQLT_VST(
-        session.errhp, value.get(), static_cast<sb4>(field.size()), 1, &target, &length,
-        nullptr, nullptr);
+    const sword result = ConvertNUMERICOIDToSQLT_VST(session.errhp, value.get(),
+                                                     static_cast<sb4>(field.size()), 1,
+                                                     &target, &length, nullptr, nullptr);
     EXPECT_GE(result, 0);
     EXPECT_LT(string.length, 40u);
     EXPECT_EQ(text[string.length], '\0');
