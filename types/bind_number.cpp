@@ -2,7 +2,7 @@
 #include <charconv>
 
 #include "types/bind_rules.h"
-#include "types/numeric.h"
+#include "types/number.h"
 
 namespace zev {
 namespace {
@@ -35,6 +35,22 @@ sword bindInteger(BIND_PARAMS) {
   }
   *outLength = sizeof wire;
   return 0;
+}
+
+/// Hands out a record, which the caller has made, in its wire form.
+void sendRecord(numeric *record, void **outBuffer, ub4 *outLength) {
+  *outLength = static_cast<ub4>(numericSize(record->ndigits));
+  ConvertNumericFromHostToNetOrder(record);
+  *outBuffer = record;
+}
+
+/// An Oracle number by `Convert`, from a buffer that holds it.
+template <auto Convert>
+sword bindNumber(const void *value, void **outBuffer, ub4 *outLength) {
+  numeric *record = nullptr;
+  const sword status = Convert(static_cast<const ub1 *>(value), &record);
+  if (status == 0) sendRecord(record, outBuffer, outLength);
+  return status;
 }
 
 template <class Float>
@@ -74,10 +90,22 @@ sword ConvertSQLT_INTToNUMERICOID(BIND_PARAMS) {
   numeric *record = nullptr;
   const sword status = ConvertStringToNumeric(digits, &record);
   if (status != 0) return status;
-  *outLength = static_cast<ub4>(zev::numericSize(record->ndigits));
-  ConvertNumericFromHostToNetOrder(record);
-  *outBuffer = record;
+  zev::sendRecord(record, outBuffer, outLength);
   return 0;
+}
+
+sword ConvertSQLT_NUMToNUMERICOID(BIND_PARAMS) {
+  zev::clearOutputs(outBuffer, outLength, outFormat, zev::kBinaryFormat);
+  // No length is stored, so that only a full buffer is known to hold the number.
+  if (!value || valueLength < static_cast<sb4>(zev::kNumberSize)) return -1;
+  return zev::bindNumber<ConvertNUMBERToNumeric>(value, outBuffer, outLength);
+}
+
+sword ConvertSQLT_VNUToNUMERICOID(BIND_PARAMS) {
+  zev::clearOutputs(outBuffer, outLength, outFormat, zev::kBinaryFormat);
+  if (!value || valueLength > static_cast<sb4>(zev::kVarnumSize)) return -1;
+  if (valueLength <= *static_cast<const ub1 *>(value)) return -1;
+  return zev::bindNumber<ConvertVARNUMBERToNumeric>(value, outBuffer, outLength);
 }
 
 sword ConvertSQLT_FLTToFLOAT4OID(BIND_PARAMS) {

@@ -16,6 +16,9 @@ ZEV_HELPER ToServerFunction
     ConvertSQLT_INTToCHAROID, ConvertSQLT_INTToINT2OID, ConvertSQLT_INTToINT4OID,
     ConvertSQLT_INTToINT8OID, ConvertSQLT_INTToNUMERICOID;
 
+// Oracle's numbers that are bound.
+ZEV_HELPER ToServerFunction ConvertSQLT_NUMToNUMERICOID, ConvertSQLT_VNUToNUMERICOID;
+
 // Floats that are bound.
 ZEV_HELPER ToServerFunction ConvertSQLT_FLTToFLOAT4OID, ConvertSQLT_FLTToFLOAT8OID;
 
@@ -80,7 +83,9 @@ ZEV_HELPER FromServerFunction
     ConvertINT4OIDToSQLT_NUM, ConvertINT4OIDToSQLT_VNU,
     ConvertINT8OIDToSQLT_NUM, ConvertINT8OIDToSQLT_VNU,
     ConvertFLOAT4OIDToSQLT_NUM, ConvertFLOAT4OIDToSQLT_VNU,
-    ConvertFLOAT8OIDToSQLT_NUM, ConvertFLOAT8OIDToSQLT_VNU;
+    ConvertFLOAT8OIDToSQLT_NUM, ConvertFLOAT8OIDToSQLT_VNU,
+    // In no table: the table has a numeric arrive as SQLT_VNU for SQLT_NUM too.
+    ConvertNUMERICOIDToSQLT_NUM, ConvertNUMERICOIDToSQLT_VNU;
 
 // Character data that are fetched: into characters, numbers and, from the text form of
 // a byte string, bytes. NUM writes 21 bytes and VNU up to 22; VCS and LVC copy the whole

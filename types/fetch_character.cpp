@@ -53,20 +53,6 @@ sword storeFromText(OCIError *errhp, double value, void *target, ub4 *targetLeng
   return static_cast<double>(narrow) == value ? 0 : record(errhp, 1426, 1);
 }
 
-/// A NUMBER that a text is read into, with room for a terminator behind the longest
-/// mantissa.
-struct NumberScratch {
-  ub1 bytes[kVarnumSize + 1] = {};
-};
-
-/// Bytes of a NUMBER: the exponent byte and the mantissa bytes that follow it.
-ub1 sizeOf(const NumberScratch &number) {
-  ub1 size = 1;
-  while (size < kNumberSize && number.bytes[size] >= 1 && number.bytes[size] <= 102)
-    ++size;
-  return size;
-}
-
 }  // namespace
 }  // namespace zev
 
@@ -106,11 +92,11 @@ sword ConvertTEXTOIDToSQLT_NUM(FETCH_PARAMS) {
   if (!targetLength || *targetLength > SB4MAXVAL || !target) return -1;
   if (format > zev::kFieldBinary) return -1;
   if (*targetLength < 2) return zev::fail(errhp, 1406);
-  zev::NumberScratch number;
-  const sword status =
-      ConvertStringToNUMBER(static_cast<const char *>(value), number.bytes);
+  // A negative number's terminator may stand behind the longest mantissa.
+  ub1 number[zev::kNumberSize + 1] = {};
+  const sword status = ConvertStringToNUMBER(static_cast<const char *>(value), number);
   if (status != 0) return zev::record(errhp, 1722, status);
-  std::memcpy(target, number.bytes, zev::kNumberSize);
+  std::memcpy(target, number, zev::kNumberSize);
   *targetLength = zev::kNumberSize;
   return 0;
 }
@@ -124,14 +110,11 @@ sword ConvertTEXTOIDToSQLT_VNU(FETCH_PARAMS) {
     return zev::deliverNull(errhp, indicator, nullptr);
   }
   if (format > zev::kFieldBinary) return -1;
-  zev::NumberScratch number;
-  const sword status = ConvertStringToNUMBER(s, number.bytes);
+  ub1 number[zev::kVarnumSize];
+  const sword status = zev::convertStringToShortVarnum(s, number);
   if (status != 0) return zev::record(errhp, 1722, status);
-  const ub1 size = zev::sizeOf(number);
-  auto *out = static_cast<ub1 *>(target);
-  out[0] = size;
-  std::memcpy(out + 1, number.bytes, size);
-  *targetLength = size + 1u;
+  *targetLength = number[0] + 1u;
+  std::memcpy(target, number, *targetLength);
   return 0;
 }
 

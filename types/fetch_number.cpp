@@ -1,4 +1,4 @@
-/// Integers and floats that are fetched as Oracle's numbers.
+/// Numbers of the server that are fetched as Oracle's numbers.
 #include "types/fetch_rules.h"
 #include "types/number.h"
 #include "types/number_printers.h"
@@ -70,6 +70,15 @@ sword fetchVarnum(FETCH_PARAMS) {
                                                  targetLength);
 }
 
+/// A binary numeric by `Convert`, or a numeric in text by `Parse`.
+template <auto Convert, auto Parse>
+sword convertNumeric(const void *value, sb4 valueLength, ub1 format, void *target) {
+  auto *out = static_cast<ub1 *>(target);
+  if (format == kFieldText) return Parse(static_cast<const char *>(value), out);
+  const Malloced<numeric> number(copyNumericField(value, valueLength));
+  return number ? Convert(number.get(), out) : -1;
+}
+
 // An integer needs the bytes of the longest one, whatever its own are.
 constexpr NumberRule kInteger{Result::Number, kNumberSize, 8};
 constexpr NumberRule kFloat4{Result::Number, 2};
@@ -116,3 +125,35 @@ VARNUM_MEMBERS(DEFINE_VARNUM)
 #undef DEFINE_NUMBER
 #undef VARNUM_MEMBERS
 #undef NUMBER_MEMBERS
+
+extern "C" sword ConvertNUMERICOIDToSQLT_VNU(FETCH_PARAMS) {
+  std::memset(target, 0, zev::kVarnumSize);
+  zev::clearIndicator(indicator);
+  // Without room for any number the field may still be null; otherwise an empty one is 0.
+  if (*targetLength < 2 && zev::isNullField(value, valueLength, format)) {
+    *targetLength = 0;
+    return zev::deliverNull(errhp, indicator, nullptr);
+  }
+  if (format > zev::kFieldBinary) return -1;
+  const sword status =
+      zev::convertNumeric<ConvertNumericToVARNUMBER, zev::convertStringToShortVarnum>(
+          value, valueLength, format, target);
+  if (status != 0) return zev::record(errhp, 1722, status);
+  *targetLength = *static_cast<const ub1 *>(target) + 1u;
+  return 0;
+}
+
+extern "C" sword ConvertNUMERICOIDToSQLT_NUM(FETCH_PARAMS) {
+  zev::clearIndicator(indicator);
+  if (*targetLength < zev::kNumberSize) return -1;
+  if (zev::isNullField(value, valueLength, format)) {
+    *targetLength = 0;
+    return zev::deliverNull(errhp, indicator, returnCode);
+  }
+  if (format > zev::kFieldBinary) return -1;
+  const sword status = zev::convertNumeric<ConvertNumericToNUMBER, ConvertStringToNUMBER>(
+      value, valueLength, format, target);
+  if (status != 0) return zev::record(errhp, 1722, status);
+  *targetLength = zev::kNumberSize;
+  return 0;
+}

@@ -2,8 +2,8 @@
 /// numeric.
 ///
 /// NUMBER: an exponent byte, then the mantissa in base 100, the most significant digit
-/// first. With E base-100 digits before the point, a positive number has the exponent byte
-/// 192 + E and its digits plus 1; a negative one 63 - E, 101 minus its digits, and a
+/// first. With E base-100 digits before the point, a positive number has the exponent
+/// byte 192 + E and its digits plus 1; a negative one 63 - E, 101 minus its digits, and a
 /// terminator 102 unless it is full. Zero is the byte 0x80. No length is stored.
 /// VARNUM, which is also an OCINumber: a byte that counts what follows, then a NUMBER; 22
 /// bytes at most. Zero is 01 80.
@@ -46,3 +46,9 @@ ZEV_HELPER sword ConvertVARNUMBERToNumeric(const ub1 *n, numeric **out);
 ZEV_HELPER sword ConvertNumericToNUMBER(numeric *v, ub1 *out);
 ZEV_HELPER sword ConvertNumericToVARNUMBER(numeric *v, ub1 *out);
 }
+
+namespace zev {
+/// Text to VARNUM with the digits that a NUMBER keeps, which are two less than a VARNUM's
+/// when an even count stands before the point. 0, or -1 for bad text.
+sword convertStringToShortVarnum(const char *s, ub1 *out);
+}  // namespace zev

@@ -103,9 +103,9 @@ TEST_F(FetchChar, EmptyTextWithoutIndicatorIsRecorded) {
 }
 
 TEST_F(FetchChar, SomeMembersLeaveTheIndicatorAlone) {
-  const auto indicatorAfter = [this](FromServerConverter convert) {
+  const auto indicatorAfter = [this](FromServerConverter convert, ub4 cap) {
     char target[32];
-    ub4 length = sizeof target;
+    ub4 length = cap;
     sb2 indicator = 77;
     EXPECT_EQ(convert(session.errhp, "7", 1, 0, target, &length, &indicator, nullptr), 0);
     return indicator;
@@ -114,13 +114,16 @@ TEST_F(FetchChar, SomeMembersLeaveTheIndicatorAlone) {
        {ConvertCHAROIDToSQLT_CHR, ConvertCHAROIDToSQLT_NUM, ConvertCHAROIDToSQLT_STR,
         ConvertCHAROIDToSQLT_VNU, ConvertCHAROIDToSQLT_VCS, ConvertCHAROIDToSQLT_LVC,
         ConvertINT2OIDToSQLT_VNU, ConvertINT4OIDToSQLT_VNU}) {
-    EXPECT_EQ(indicatorAfter(convert), 77);
+    EXPECT_EQ(indicatorAfter(convert, 32), 77);
   }
   for (const auto convert :
        {ConvertCHAROIDToSQLT_AFC, ConvertCHAROIDToSQLT_LNG, ConvertCHAROIDToSQLT_AVC,
-        ConvertCHAROIDToSQLT_INT, ConvertCHAROIDToSQLT_UIN, ConvertCHAROIDToSQLT_FLT,
         ConvertINT8OIDToSQLT_VNU, ConvertINT2OIDToSQLT_NUM, ConvertINT4OIDToSQLT_CHR}) {
-    EXPECT_EQ(indicatorAfter(convert), 0);
+    EXPECT_EQ(indicatorAfter(convert, 32), 0);
+  }
+  for (const auto convert :
+       {ConvertCHAROIDToSQLT_INT, ConvertCHAROIDToSQLT_UIN, ConvertCHAROIDToSQLT_FLT}) {
+    EXPECT_EQ(indicatorAfter(convert, 8), 0);
   }
 }
 

@@ -14,8 +14,9 @@ TEST_P(FetchFloat, Arrives) {
   expectFetch(session, GetParam());
 }
 
-const Oid kFloat8 = FLOAT8OID;
-const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
+const Oid kFloat4 = FLOAT4OID, kFloat8 = FLOAT8OID;
+const ub2 kInt = SQLT_INT, kUin = SQLT_UIN, kFlt = SQLT_FLT, kBfloat = SQLT_BFLOAT,
+          kBdouble = SQLT_BDOUBLE;
 
 /// A binary field that reads as `x` once its first four bytes are swapped.
 std::string halfSwapped(double x) {
@@ -57,6 +58,42 @@ INSTANTIATE_TEST_SUITE_P(ToFloat, FetchFloat, testing::Values(
     FetchCase{"BinaryIntoFourBytes", kFloat8, kFlt, 1, network(-0.1), 4, native(-0.1f), 4},
     FetchCase{"BinaryTooShort",     kFloat8, kFlt, 1, "1234567", 8, "~~~~~~~~", 8, 0, kNoRecord, -1},
     FetchCase{"OtherFormat",        kFloat8, kFlt, 2, "5", 8, "~~~~~~~~", 8, 0, kNoRecord, -1}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(ToUnsigned, FetchFloat, testing::Values(
+    FetchCase{"OneByte",            kFloat8, kUin, 0, "255.9", 1, native<ub1>(255), 1},
+    FetchCase{"OneByteNegative",    kFloat8, kUin, 0, "-5", 1, native<ub1>(251), 1, 0, 22054, 0},
+    FetchCase{"TwoBytesTooSmall",   kFloat8, kUin, 0, "65536", 2, native<ub2>(0), 2, 0, 22054, 0},
+    FetchCase{"FourBytes",          kFloat8, kUin, 0, "4294967295", 4, native<ub4>(UB4MAXVAL), 4},
+    FetchCase{"FourBytesTooSmall",  kFloat8, kUin, 0, "4294967296", 4, native<ub4>(0), 4, 0, 22054, 0},
+    FetchCase{"EightBytesUnchecked", kFloat8, kUin, 0, "-1", 8, native<sb8>(-1), 8},
+    FetchCase{"OtherSize",          kFloat8, kUin, 0, "5", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"TextLeftOver",       kFloat4, kUin, 0, "5x", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"Float4Binary",       kFloat4, kUin, 1, network(77.9f), 4, native<ub4>(77), 4},
+    FetchCase{"Null",               kFloat4, kUin, 0, "", 4, "~~~~", 4, -1, kNoRecord, 0, 1405}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(Float4, FetchFloat, testing::Values(
+    FetchCase{"OneByte",            kFloat4, kInt, 0, "-5.9", 1, native<sb1>(-5), 1},
+    FetchCase{"OneByteTooSmall",    kFloat4, kInt, 0, "300", 1, native<sb1>(44), 1, 0, 22054, 0},
+    FetchCase{"NarrowsToAFloat",    kFloat4, kInt, 0, "16777217", 4, native<sb4>(16777216), 4},
+    FetchCase{"Binary",             kFloat4, kInt, 1, network(-77.9f), 8, native<sb8>(-77), 8},
+    FetchCase{"BinaryTooShort",     kFloat4, kInt, 1, "123", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"FloatInFourBytes",   kFloat4, kFlt, 0, "0.1", 4, native(0.1f), 4},
+    FetchCase{"FloatWidened",       kFloat4, kFlt, 0, "0.1", 8, native(static_cast<double>(0.1f)), 8},
+    FetchCase{"FloatBinary",        kFloat4, kFlt, 1, network(-0.1f), 8, native(static_cast<double>(-0.1f)), 8},
+    FetchCase{"FloatOtherFormat",   kFloat4, kFlt, 2, "1", 8, "~~~~~~~~", 8, 0, kNoRecord, -1},
+    FetchCase{"SizeComesBeforeNull", kFloat4, kFlt, 0, "", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"Null",               kFloat4, kFlt, 0, "", 4, "~~~~", 4, -1, kNoRecord, 0, 1405}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(Fixed, FetchFloat, testing::Values(
+    FetchCase{"Float4Bfloat",       kFloat4, kBfloat, 0, "0.5", 9, native(0.5f) + "~~~~~", 4},
+    FetchCase{"Float8Bfloat",       kFloat8, kBfloat, 0, "0.1", 4, native(0.1f), 4},
+    FetchCase{"Float4Bdouble",      kFloat4, kBdouble, 0, "0.5", 9, native(0.5) + "~", 8},
+    FetchCase{"Float8Bdouble",      kFloat8, kBdouble, 0, "0.1", 8, native(0.1), 8},
+    FetchCase{"AnySizeWillDo",      kFloat8, kBdouble, 0, "0.1", 3, native(0.1).substr(0, 3), 8},
+    FetchCase{"FailureRestoresTheSize", kFloat8, kBdouble, 2, "0.1", 3, "~~~", 3, 0, kNoRecord, -1}),
     nameOf<FetchCase>);
 // clang-format on
 

@@ -13,7 +13,8 @@ TEST_P(FetchInteger, Arrives) {
 }
 
 const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID;
-const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
+const ub2 kInt = SQLT_INT, kUin = SQLT_UIN, kFlt = SQLT_FLT, kBfloat = SQLT_BFLOAT,
+          kBdouble = SQLT_BDOUBLE;
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Int2, FetchInteger, testing::Values(
@@ -71,6 +72,65 @@ INSTANTIATE_TEST_SUITE_P(Int8, FetchInteger, testing::Values(
     FetchCase{"BinaryTooShort",     kInt8, kInt, 1, "1234567", 8, "~~~~~~~~", 8, 0, kNoRecord, -1},
     FetchCase{"OtherFormatIsZero",  kInt8, kInt, 2, "5", 8, native<sb8>(0), 8},
     FetchCase{"Null",               kInt8, kInt, 0, "", 4, "~~~~", 4, -1, kNoRecord, 0, 1405}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(Int2Unsigned, FetchInteger, testing::Values(
+    FetchCase{"OneByte",            kInt2, kUin, 0, "200", 1, native<ub1>(200), 1},
+    FetchCase{"OneByteTooSmall",    kInt2, kUin, 0, "300", 1, native<ub1>(44), 1, 0, 22053, -1},
+    FetchCase{"TwoBytes",           kInt2, kUin, 0, "65535", 2, native<ub2>(65535), 2},
+    FetchCase{"FourBytes",          kInt2, kUin, 0, "65535", 4, native<ub4>(65535), 4},
+    FetchCase{"EightBytes",         kInt2, kUin, 0, "65535", 8, native<ub8>(65535), 8},
+    FetchCase{"OtherSize",          kInt2, kUin, 0, "5", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"BeyondSixteenBits",  kInt2, kUin, 0, "65536", 4, "~~~~", 4, 0, 22053, -1},
+    FetchCase{"Negative",           kInt2, kUin, 0, "-1", 4, "~~~~", 4, 0, 22053, -1},
+    FetchCase{"HighEdge",           kInt2, kUin, 0, "2147483647", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"LowEdge",            kInt2, kUin, 0, "-2147483648", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"BeyondAllBits",      kInt2, kUin, 0, "99999999999999999999", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"BinaryIsUnsigned",   kInt2, kUin, 1, network<sb2>(-1), 4, native<ub4>(65535), 4},
+    FetchCase{"BinaryTooShort",     kInt2, kUin, 1, "\x01", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"OtherFormatIsZero",  kInt2, kUin, 2, "5", 4, native<ub4>(0), 4},
+    FetchCase{"Null",               kInt2, kUin, 0, "", 4, "~~~~", 4, -1, kNoRecord, 0, 1405}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(Int4Unsigned, FetchInteger, testing::Values(
+    FetchCase{"NegativeIntoOneByte", kInt4, kUin, 0, "-5", 1, native<ub1>(251), 1, 0, 22053, -1},
+    FetchCase{"OneByte",            kInt4, kUin, 0, "255", 1, native<ub1>(255), 1},
+    FetchCase{"TwoBytesTooSmall",   kInt4, kUin, 0, "65537", 2, native<ub2>(1), 2, 0, 22053, -1},
+    FetchCase{"FourBytesNegative",  kInt4, kUin, 0, "-5", 4, native<sb4>(-5), 4},
+    FetchCase{"EightBytesZeroExtended", kInt4, kUin, 0, "-5", 8, native<ub8>(4294967291u), 8},
+    FetchCase{"OtherSizeIsIgnored", kInt4, kUin, 0, "5", 3, "~~~", 3},
+    FetchCase{"HighEdge",           kInt4, kUin, 0, "2147483647", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"LowEdge",            kInt4, kUin, 0, "-2147483648", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"BeyondAllBits",      kInt4, kUin, 0, "99999999999999999999", 4, "~~~~", 4, 0, kNoRecord, -1},
+    FetchCase{"Binary",             kInt4, kUin, 1, network<sb4>(-5), 8, native<ub8>(4294967291u), 8},
+    FetchCase{"OtherFormatIsZero",  kInt4, kUin, 2, "5", 4, native<ub4>(0), 4}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(Int8Unsigned, FetchInteger, testing::Values(
+    FetchCase{"OneByte",            kInt8, kUin, 0, "255", 1, native<ub1>(255), 1},
+    FetchCase{"OneByteTooSmall",    kInt8, kUin, 0, "-1", 1, native<ub1>(255), 1, 0, 22053, -1},
+    FetchCase{"TwoBytesTooSmall",   kInt8, kUin, 0, "65536", 2, native<ub2>(0), 2, 0, 22053, -1},
+    FetchCase{"FourBytes",          kInt8, kUin, 0, "4294967295", 4, native<ub4>(UB4MAXVAL), 4},
+    FetchCase{"FourBytesTooSmall",  kInt8, kUin, 0, "4294967296", 4, native<ub4>(0), 4, 0, 22053, -1},
+    FetchCase{"EightBytes",         kInt8, kUin, 0, "-1", 8, native<sb8>(-1), 8},
+    FetchCase{"OtherSize",          kInt8, kUin, 0, "5", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"Binary",             kInt8, kUin, 1, network<sb8>(-1), 8, native<sb8>(-1), 8},
+    FetchCase{"Null",               kInt8, kUin, 0, "", 4, "~~~~", 4, -1, kNoRecord, 0, 1405}),
+    nameOf<FetchCase>);
+
+INSTANTIATE_TEST_SUITE_P(FixedFloats, FetchInteger, testing::Values(
+    FetchCase{"Int2Bfloat",         kInt2, kBfloat, 0, "-7", 6, native(-7.0f) + "~~", 4},
+    FetchCase{"Int4Bfloat",         kInt4, kBfloat, 0, "7", 4, native(7.0f), 4},
+    FetchCase{"Int8Bfloat",         kInt8, kBfloat, 0, "7", 9, native(7.0f) + "~~~~~", 4},
+    FetchCase{"BfloatNoRoom",       kInt4, kBfloat, 0, "7", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"Int2Bdouble",        kInt2, kBdouble, 0, "-7", 9, native(-7.0) + "~", 8},
+    FetchCase{"Int4Bdouble",        kInt4, kBdouble, 0, "7", 8, native(7.0), 8},
+    FetchCase{"BdoubleNoRoom",      kInt4, kBdouble, 0, "7", 7, "~~~~~~~", 7, 0, kNoRecord, -1},
+    FetchCase{"Int8Bdouble",        kInt8, kBdouble, 0, "7", 8, native(7.0), 8},
+    FetchCase{"Int8BdoubleRaisesTheSize", kInt8, kBdouble, 0, "7", 4, native(7.0).substr(0, 4), 8},
+    FetchCase{"Int8BdoubleNoRoom",  kInt8, kBdouble, 0, "7", 3, "~~~", 3, 0, kNoRecord, -1},
+    FetchCase{"FailureRestoresTheSize", kInt4, kBdouble, 1, network<sb4>(7), 10, "~~~~~~~~~~", 10, 0, kNoRecord, -1},
+    FetchCase{"Null",               kInt4, kBdouble, 0, "", 10, "~~~~~~~~~~", 8, -1, kNoRecord, 0, 1405}),
     nameOf<FetchCase>);
 
 INSTANTIATE_TEST_SUITE_P(Int2Float, FetchInteger, testing::Values(
