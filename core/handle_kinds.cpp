@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "zevoci/connection.h"
+#include "zevoci/lob_locator.h"
 #include "zevoci/statement.h"
 #include "zevoci/transaction.h"
 
@@ -44,6 +45,7 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_SERVER,  OCIServer),  ATTRIBUTES(OCIServer)},
     {KIND(OCI_HTYPE_SESSION, OCISession), ATTRIBUTES(OCISession)},
     {KIND(OCI_HTYPE_TRANS,   OCITrans),   ATTRIBUTES(OCITrans)},
+    {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
 };
 #undef ATTRIBUTES
 #undef KIND

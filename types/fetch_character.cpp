@@ -1,41 +1,36 @@
-/// Character data that are fetched into characters and native numbers.
-#include <algorithm>
-#include <string_view>
-
-#include "core/edge_text.h"
+/// Character data that are fetched into numbers.
 #include "types/fetch_rules.h"
+#include "types/number.h"
 #include "types/number_text.h"
 
 namespace zev {
 namespace {
 
-/// The environment of a fetch as far as text is concerned.
-struct TextEnvironment {
-  explicit TextEnvironment(const OCIError *errhp)
-      : env(parentEnv(errhp)), emptyIsNull(env && env->oracleVarchars) {}
-  const OCIEnv *env;
-  bool emptyIsNull;
-
-  /// Whether text changes its bytes on the way to the program.
-  bool converts() const { return env && env->utf16; }
-};
-
-std::string_view fieldText(const void *value, sb4 valueLength) {
-  if (!value || valueLength <= 0) return {};
-  return {static_cast<const char *>(value), static_cast<std::size_t>(valueLength)};
+Stored storeSigned(void *target, ub4 cap, long value) {
+  return storeInteger<2>(target, cap, value);
 }
 
-/// Ends the `size` bytes that were cut at `target` with `terminator`; false without room
-/// for it.
-bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
-  if (size < terminator.size()) return false;
-  copyBytes(target + size - terminator.size(), terminator.data(), terminator.size());
-  return true;
+/// No unsigned target has eight bytes.
+Stored storeUnsigned(void *target, ub4 cap, long value) {
+  if (cap == sizeof(ub8)) return Stored::NoSuchWidth;
+  return storeInteger<4, Sign::Unsigned>(target, cap, value);
 }
 
-/// Stores an integer that was read from a text.
-sword storeFromText(OCIError *errhp, long value, void *target, ub4 *targetLength) {
-  switch (storeInteger<2>(target, *targetLength, value)) {
+/// The body of SQLT_INT and SQLT_UIN. The text starts with a digit, and what follows the
+/// digits is not looked at; both refuse what a signed integer of four bytes cannot hold.
+template <Stored Store(void *target, ub4 cap, long value)>
+sword fetchInteger(FETCH_PARAMS) {
+  clearIndicator(indicator);
+  if (isNullField(value, valueLength, format)) {
+    return deliverNull(errhp, indicator, returnCode);
+  }
+  if (format > kFieldBinary) return -1;
+  const auto *s = static_cast<const char *>(value);
+  if (!isDigit(*s)) return fail(errhp, 1722);
+  const CleanErrno clean;
+  const auto parsed = parseLong(s);
+  if (parsed.outOfRange || parsed.value >= SB4MAXVAL) return fail(errhp, 1426);
+  switch (Store(target, *targetLength, parsed.value)) {
     case Stored::Whole:
       return 0;
     case Stored::Cut:
@@ -58,83 +53,31 @@ sword storeFromText(OCIError *errhp, double value, void *target, ub4 *targetLeng
   return static_cast<double>(narrow) == value ? 0 : record(errhp, 1426, 1);
 }
 
+/// A NUMBER that a text is read into, with room for a terminator behind the longest
+/// mantissa.
+struct NumberScratch {
+  ub1 bytes[kVarnumSize + 1] = {};
+};
+
+/// Bytes of a NUMBER: the exponent byte and the mantissa bytes that follow it.
+ub1 sizeOf(const NumberScratch &number) {
+  ub1 size = 1;
+  while (size < kNumberSize && number.bytes[size] >= 1 && number.bytes[size] <= 102)
+    ++size;
+  return size;
+}
+
 }  // namespace
 }  // namespace zev
 
 extern "C" {
 
-sword ConvertTEXTOIDToSQLT_CHR(FETCH_PARAMS) {
-  zev::clearIndicator(indicator);
-  const ub4 cap = *targetLength;
-  if (cap == 0) return 0;
-  const zev::TextEnvironment environment(errhp);
-  if (environment.emptyIsNull && zev::isNullField(value, valueLength, format)) {
-    return zev::deliverNull(errhp, indicator, returnCode);
-  }
-  if (format > zev::kFieldBinary) return -1;
-  const std::string_view source = zev::fieldText(value, valueLength);
-  sword status = 0;
-  if (cap < source.size()) {
-    status = zev::record(errhp, 1406, 1);
-    zev::reportMissing(indicator, source.size() - cap);
-  }
-  const zev::EdgeResult converted(environment.env, source.data(), source.size());
-  if (!converted) return converted.fail(errhp);
-  const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
-  auto *out = static_cast<char *>(target);
-  zev::copyBytes(out, converted.view().data(), n);
-  if (n < cap) {
-    std::memset(out + n, ' ', cap - n);
-    *targetLength = static_cast<ub4>(n);
-  }
-  return status;
-}
-
-sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
-  zev::clearIndicator(indicator);
-  const zev::TextEnvironment environment(errhp);
-  if (environment.emptyIsNull && zev::isNullField(value, valueLength, format)) {
-    return zev::deliverNull(errhp, indicator, returnCode);
-  }
-  if (format > zev::kFieldBinary) return -1;
-  const ub4 cap = *targetLength;
-  const auto *source = value ? static_cast<const char *>(value) : "";
-  const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
-  // The NUL behind the field is part of what is delivered. Where it fits as it stands,
-  // that is all there is to do.
-  if (length < cap && !environment.converts()) {
-    zev::copyBytes(target, source, length + 1);
-    *targetLength = static_cast<ub4>(std::strlen(source));
-    return 0;
-  }
-  const zev::EdgeResult converted(environment.env, source, length + 1);
-  if (!converted) return converted.fail(errhp);
-  const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
-  zev::copyBytes(target, converted.view().data(), n);
-  *targetLength = static_cast<ub4>(n);
-  if (converted.view().size() > n) {
-    const zev::EdgeResult terminator(environment.env, "", 1);
-    if (!terminator) return terminator.fail(errhp);
-    if (!zev::terminateCut(static_cast<char *>(target), n, terminator.view())) {
-      return zev::fail(errhp, 1460);
-    }
-  }
-  *targetLength = static_cast<ub4>(std::strlen(source));
-  return 0;
-}
-
 sword ConvertTEXTOIDToSQLT_INT(FETCH_PARAMS) {
-  zev::clearIndicator(indicator);
-  if (zev::isNullField(value, valueLength, format)) {
-    return zev::deliverNull(errhp, indicator, returnCode);
-  }
-  if (format > zev::kFieldBinary) return -1;
-  const auto *s = static_cast<const char *>(value);
-  if (!zev::isDigit(*s)) return zev::fail(errhp, 1722);
-  const zev::CleanErrno clean;
-  const auto parsed = zev::parseLong(s);
-  if (parsed.outOfRange || parsed.value >= SB4MAXVAL) return zev::fail(errhp, 1426);
-  return zev::storeFromText(errhp, parsed.value, target, targetLength);
+  return zev::fetchInteger<zev::storeSigned>(FETCH_ARGUMENTS);
+}
+
+sword ConvertTEXTOIDToSQLT_UIN(FETCH_PARAMS) {
+  return zev::fetchInteger<zev::storeUnsigned>(FETCH_ARGUMENTS);
 }
 
 sword ConvertTEXTOIDToSQLT_FLT(FETCH_PARAMS) {
@@ -148,6 +91,48 @@ sword ConvertTEXTOIDToSQLT_FLT(FETCH_PARAMS) {
   if (*parsed.end != '\0') return zev::fail(errhp, 1722);
   if (parsed.outOfRange || zev::beyondDouble(parsed.value)) return zev::fail(errhp, 1426);
   return zev::storeFromText(errhp, parsed.value, target, targetLength);
+}
+
+sword ConvertTEXTOIDToSQLT_BFLOAT(FETCH_PARAMS) {
+  return zev::fetchFixedFloat<ConvertTEXTOIDToSQLT_FLT, 4>(FETCH_ARGUMENTS);
+}
+
+sword ConvertTEXTOIDToSQLT_BDOUBLE(FETCH_PARAMS) {
+  return zev::fetchFixedFloat<ConvertTEXTOIDToSQLT_FLT, 8>(FETCH_ARGUMENTS);
+}
+
+sword ConvertTEXTOIDToSQLT_NUM(FETCH_PARAMS) {
+  zev::clearIndicator(indicator);
+  if (!targetLength || *targetLength > SB4MAXVAL || !target) return -1;
+  if (format > zev::kFieldBinary) return -1;
+  if (*targetLength < 2) return zev::fail(errhp, 1406);
+  zev::NumberScratch number;
+  const sword status =
+      ConvertStringToNUMBER(static_cast<const char *>(value), number.bytes);
+  if (status != 0) return zev::record(errhp, 1722, status);
+  std::memcpy(target, number.bytes, zev::kNumberSize);
+  *targetLength = zev::kNumberSize;
+  return 0;
+}
+
+sword ConvertTEXTOIDToSQLT_VNU(FETCH_PARAMS) {
+  zev::clearIndicator(indicator);
+  if (*targetLength < 2) return zev::fail(errhp, 1459);
+  const auto *s = static_cast<const char *>(value);
+  if (!s || valueLength <= 0 || *s == '\0') {
+    *targetLength = 0;
+    return zev::deliverNull(errhp, indicator, nullptr);
+  }
+  if (format > zev::kFieldBinary) return -1;
+  zev::NumberScratch number;
+  const sword status = ConvertStringToNUMBER(s, number.bytes);
+  if (status != 0) return zev::record(errhp, 1722, status);
+  const ub1 size = zev::sizeOf(number);
+  auto *out = static_cast<ub1 *>(target);
+  out[0] = size;
+  std::memcpy(out + 1, number.bytes, size);
+  *targetLength = size + 1u;
+  return 0;
 }
 
 }  // extern "C"

@@ -1,4 +1,5 @@
-/// The integer rows into native integers and floats.
+/// The integer rows, and the single character as a number, into native integers and
+/// floats.
 #include "types/fetch_rules.h"
 #include "types/number_text.h"
 
@@ -21,7 +22,7 @@ Wire readLong(OCIError *errhp, const char *s, sword &status) {
   // An ERANGE from before the call counts as well.
   if (errno == ERANGE || (Rule == Edges::Refuse && atEdge)) {
     status = -1;
-  } else if (!fits<Wire>(value)) {
+  } else if (!std::in_range<Wire>(value)) {
     status = fail(errhp, 22053);
   }
   return static_cast<Wire>(value);
@@ -31,11 +32,12 @@ sb8 readInt8(OCIError *, const char *s, sword &) {
   return atoi64(s);
 }
 
-/// Stores `value` in the width of the target; one that does not fit is recorded when it
-/// has been stored.
+/// Stores `value` in the width of the target, signed or not as it is itself; one that
+/// does not fit is recorded when it has been stored.
 template <class Value, OtherSize Rule>
 sword storeChecked(OCIError *errhp, Value value, void *target, ub4 cap) {
-  switch (storeInteger<4>(target, cap, value)) {
+  constexpr Sign kSign = std::is_signed_v<Value> ? Sign::Signed : Sign::Unsigned;
+  switch (storeInteger<4, kSign>(target, cap, value)) {
     case Stored::Whole:
       return 0;
     case Stored::Cut:
@@ -46,7 +48,7 @@ sword storeChecked(OCIError *errhp, Value value, void *target, ub4 cap) {
   return Rule == OtherSize::Refuse ? -1 : 0;
 }
 
-/// The body of the INT members. `Read` takes the text form.
+/// The body of the INT and UIN members. `Read` takes the text form.
 template <class Wire, auto Read, OtherSize Rule>
 sword fetchInteger(FETCH_PARAMS) {
   clearIndicator(indicator);
@@ -56,7 +58,7 @@ sword fetchInteger(FETCH_PARAMS) {
   Wire integer = 0;
   sword status = 0;
   if (format == kFieldText) {
-    integer = Read(errhp, static_cast<const char *>(value), status);
+    integer = static_cast<Wire>(Read(errhp, static_cast<const char *>(value), status));
   } else if (format == kFieldBinary) {
     if (valueLength < static_cast<sb4>(sizeof(Wire))) return -1;
     integer = readNetwork<Wire>(value);
@@ -101,16 +103,33 @@ long readAsLong(const char *s) {
 }  // namespace zev
 
 // clang-format off
+//   member                     wire  text form                      other sizes
 #define INTEGER_MEMBERS(X)                                                       \
-  X(ConvertINT2OIDToSQLT_INT, sb2, (readLong<sb2, Edges::Refuse>), OtherSize::Refuse) \
-  X(ConvertINT4OIDToSQLT_INT, sb4, (readLong<sb4, Edges::Accept>), OtherSize::Ignore) \
-  X(ConvertINT8OIDToSQLT_INT, sb8, readInt8,                       OtherSize::Refuse)
+  X(ConvertCHAROIDToSQLT_INT,   sb1, (readLong<sb1, Edges::Refuse>), OtherSize::Refuse) \
+  X(ConvertINT2OIDToSQLT_INT,   sb2, (readLong<sb2, Edges::Refuse>), OtherSize::Refuse) \
+  X(ConvertINT4OIDToSQLT_INT,   sb4, (readLong<sb4, Edges::Accept>), OtherSize::Ignore) \
+  X(ConvertINT8OIDToSQLT_INT,   sb8, readInt8,                       OtherSize::Refuse) \
+  X(ConvertCHAROIDToSQLT_UIN,   ub1, (readLong<ub1, Edges::Refuse>), OtherSize::Refuse) \
+  X(ConvertINT2OIDToSQLT_UIN,   ub2, (readLong<ub2, Edges::Refuse>), OtherSize::Refuse) \
+  X(ConvertINT4OIDToSQLT_UIN,   ub4, (readLong<sb4, Edges::Refuse>), OtherSize::Ignore) \
+  X(ConvertINT8OIDToSQLT_UIN,   ub8, readInt8,                       OtherSize::Refuse)
 
-// A binary INT4OID is too short for its member.
-#define FLOAT_MEMBERS(X)                             \
-  X(ConvertINT2OIDToSQLT_FLT, sb2, readAsLong, 2)    \
-  X(ConvertINT4OIDToSQLT_FLT, sb4, atoi64,     8)    \
-  X(ConvertINT8OIDToSQLT_FLT, sb8, atoi64,     8)
+//   member                     wire  text form   bytes that a binary field needs
+#define FLOAT_MEMBERS(X)                          \
+  X(ConvertINT2OIDToSQLT_FLT,   sb2,  readAsLong, 2) \
+  X(ConvertINT4OIDToSQLT_FLT,   sb4,  atoi64,     8) \
+  X(ConvertINT8OIDToSQLT_FLT,   sb8,  atoi64,     8)
+
+//   member                     native form of   width  smallest target
+#define FIXED_MEMBERS(X)                                                 \
+  X(ConvertCHAROIDToSQLT_BFLOAT,  ConvertCHAROIDToSQLT_FLT, 4, 4) \
+  X(ConvertINT2OIDToSQLT_BFLOAT,  ConvertINT2OIDToSQLT_FLT, 4, 4) \
+  X(ConvertINT4OIDToSQLT_BFLOAT,  ConvertINT4OIDToSQLT_FLT, 4, 4) \
+  X(ConvertINT8OIDToSQLT_BFLOAT,  ConvertINT8OIDToSQLT_FLT, 4, 4) \
+  X(ConvertCHAROIDToSQLT_BDOUBLE, ConvertCHAROIDToSQLT_FLT, 8, 8) \
+  X(ConvertINT2OIDToSQLT_BDOUBLE, ConvertINT2OIDToSQLT_FLT, 8, 8) \
+  X(ConvertINT4OIDToSQLT_BDOUBLE, ConvertINT4OIDToSQLT_FLT, 8, 8) \
+  X(ConvertINT8OIDToSQLT_BDOUBLE, ConvertINT8OIDToSQLT_FLT, 8, 4)
 // clang-format on
 
 #define DEFINE_INTEGER(name, Wire, read, otherSize)              \
@@ -123,9 +142,16 @@ long readAsLong(const char *s) {
     using namespace zev;                                       \
     return fetchFloat<Wire, read, minBinary>(FETCH_ARGUMENTS); \
   }
+#define DEFINE_FIXED(name, fetch, width, minCap)                        \
+  extern "C" sword name(FETCH_PARAMS) {                                 \
+    return zev::fetchFixedFloat<fetch, width, minCap>(FETCH_ARGUMENTS); \
+  }
 INTEGER_MEMBERS(DEFINE_INTEGER)
 FLOAT_MEMBERS(DEFINE_FLOAT)
+FIXED_MEMBERS(DEFINE_FIXED)
+#undef DEFINE_FIXED
 #undef DEFINE_FLOAT
 #undef DEFINE_INTEGER
+#undef FIXED_MEMBERS
 #undef FLOAT_MEMBERS
 #undef INTEGER_MEMBERS

@@ -115,4 +115,14 @@ sword ConvertNUMERICOIDToSQLT_FLT(FETCH_PARAMS) {
   return zev::storeNumberText(errhp, printed, target, targetLength);
 }
 
+sword ConvertNUMERICOIDToSQLT_UIN(FETCH_PARAMS) {
+  return ConvertNUMERICOIDToSQLT_INT(FETCH_ARGUMENTS);
+}
+sword ConvertNUMERICOIDToSQLT_BFLOAT(FETCH_PARAMS) {
+  return zev::fetchFixedFloat<ConvertNUMERICOIDToSQLT_FLT, 4>(FETCH_ARGUMENTS);
+}
+sword ConvertNUMERICOIDToSQLT_BDOUBLE(FETCH_PARAMS) {
+  return zev::fetchFixedFloat<ConvertNUMERICOIDToSQLT_FLT, 8>(FETCH_ARGUMENTS);
+}
+
 }  // extern "C"

@@ -2,7 +2,8 @@
 /// overflow.
 #pragma once
 
-#include <limits>
+#include <type_traits>
+#include <utility>
 
 #include "types/bytes.h"
 #include "types/converters.h"
@@ -12,7 +13,7 @@
 /// `*targetLength` is the size of the target on entry.
 #define FETCH_PARAMS                                                                     \
   [[maybe_unused]] OCIError *errhp, const void *value, [[maybe_unused]] sb4 valueLength, \
-      [[maybe_unused]] ub1 format, void *target, ub4 *targetLength,                      \
+      [[maybe_unused]] ub1 format, void *target, [[maybe_unused]] ub4 *targetLength,     \
       [[maybe_unused]] sb2 *indicator, [[maybe_unused]] ub2 *returnCode
 #define FETCH_ARGUMENTS \
   errhp, value, valueLength, format, target, targetLength, indicator, returnCode
@@ -47,30 +48,27 @@ inline sword record(OCIError *errhp, sb4 code, sword status) {
   return status;
 }
 
-/// Whether `value` survives in a `Narrow`.
-template <class Narrow, class Wide>
-constexpr bool fits(Wide value) {
-  return value >= std::numeric_limits<Narrow>::min() &&
-         value <= std::numeric_limits<Narrow>::max();
-}
-
-/// Stores the low bytes of `value`; whether it fits.
-template <class Narrow, class Wide>
-bool storeLow(void *target, Wide value) {
-  writeNative(target, static_cast<Narrow>(value));
-  return fits<Narrow>(value);
-}
-
 /// What became of an integer in a native target.
 enum class Stored { Whole, Cut, NoSuchWidth };
 
+/// Stores the low bytes of `value`.
+template <class Narrow, class Wide>
+Stored storeLow(void *target, Wide value) {
+  writeNative(target, static_cast<Narrow>(value));
+  return std::in_range<Narrow>(value) ? Stored::Whole : Stored::Cut;
+}
+
+enum class Sign { Signed, Unsigned };
+
 /// Stores the low bytes of `value` in a target of 1, 2, 4 or 8 bytes. A value that does
 /// not fit is told of for widths up to `Checked`; wider targets cut it in silence.
-template <std::size_t Checked, class Value>
+template <std::size_t Checked, Sign Target = Sign::Signed, class Value>
 Stored storeInteger(void *target, ub4 cap, Value value) {
-  const auto store = [&]<class Narrow>(Narrow) {
-    const bool fitted = storeLow<Narrow>(target, value);
-    return fitted || sizeof(Narrow) > Checked ? Stored::Whole : Stored::Cut;
+  const auto store = [&]<class SignedNarrow>(SignedNarrow) {
+    using Narrow = std::conditional_t<Target == Sign::Signed, SignedNarrow,
+                                      std::make_unsigned_t<SignedNarrow>>;
+    const Stored stored = storeLow<Narrow>(target, value);
+    return sizeof(Narrow) > Checked ? Stored::Whole : stored;
   };
   switch (cap) {
     case 1:
@@ -84,6 +82,21 @@ Stored storeInteger(void *target, ub4 cap, Value value) {
     default:
       return Stored::NoSuchWidth;
   }
+}
+
+/// A float of a fixed width, by `Fetch`, the member whose target's size tells the width:
+/// that size becomes `Width`, and what it was again after a failure. A target below
+/// `MinCap` bytes is refused; 0 refuses none.
+template <FromServerConverter Fetch, ub4 Width, ub4 MinCap = Width>
+sword fetchFixedFloat(FETCH_PARAMS) {
+  const ub4 cap = *targetLength;
+  if constexpr (MinCap != 0) {
+    if (cap < MinCap) return -1;
+  }
+  *targetLength = Width;
+  const sword status = Fetch(FETCH_ARGUMENTS);
+  if (status < 0) *targetLength = cap;
+  return status;
 }
 
 }  // namespace zev

@@ -5,7 +5,7 @@
 
 /// A text with the room it may take. `text` comes from the system allocator.
 struct OCIString {
-  ub4 allocatedSize;  ///< bytes that `text` has room for
+  ub4 allocatedSize;  ///< bytes that `text` has room for, and one more for a NUL
   ub4 length;         ///< bytes of `text` in use, without a terminator
   OraText *text;
 };

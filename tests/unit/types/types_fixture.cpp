@@ -2,19 +2,24 @@
 
 #include "zevoci/conversion.h"
 
-void zevtest::expectFetch(Session &session, const FetchCase &c) {
+namespace {
+
+/// Fetches by `convert`, which has the arguments of a converter, and compares.
+template <class Convert>
+void expectFetchBy(Convert convert, zevtest::Session &session,
+                   const zevtest::FetchCase &c) {
   SCOPED_TRACE(c.name);
-  const auto target = guarded(c.bytes.size());
+  const auto target = zevtest::guarded(c.bytes.size());
   // libpq ends every field with a NUL.
-  const auto value = exactCopy(c.value + '\0');
+  const auto value = zevtest::exactCopy(c.value + '\0');
   ub4 length = c.cap;
   sb2 indicator = 77;
-  ub2 returnCode = 77;
-  const bool hasIndicator = c.indicator != kNoIndicator;
+  ub2 returnCode = 0;
+  const bool hasIndicator = c.indicator != zevtest::kNoIndicator;
   errno = 0;
-  const sword result = PQ2OCIType(
-      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
-      c.dty, target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
+  const sword result =
+      convert(session.errhp, value.get(), static_cast<sb4>(c.value.size()), c.format,
+              target.get(), &length, hasIndicator ? &indicator : nullptr, &returnCode);
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(std::string(target.get(), c.bytes.size()), c.bytes);
   EXPECT_EQ(length, c.length);
@@ -23,6 +28,25 @@ void zevtest::expectFetch(Session &session, const FetchCase &c) {
   }
   EXPECT_EQ(returnCode, c.returnCode);
   EXPECT_EQ(session.takeRecord(), c.code);
+}
+
+}  // namespace
+
+void zevtest::expectFetch(Session &session, const FetchCase &c) {
+  const auto dispatch = [&c](OCIError *errhp, const char *value, sb4 valueLength,
+                             ub1 format, void *target, ub4 *length, sb2 *indicator,
+                             ub2 *returnCode) {
+    *returnCode = 77;
+    return PQ2OCIType(errhp, c.oid, value, valueLength, format, c.dty, target, length,
+                      indicator, returnCode, 0);
+  };
+  expectFetchBy(dispatch, session, c);
+}
+
+void zevtest::expectDirectFetch(Session &session, const FetchCase &c) {
+  const FromServerConverter convert = findPQToOCIConversion(c.oid, c.dty, nullptr);
+  ASSERT_NE(convert, nullptr);
+  expectFetchBy(convert, session, c);
 }
 
 void zevtest::expectBind(Session &session, const BindCase &c) {

@@ -147,6 +147,9 @@ inline std::ostream &operator<<(std::ostream &out, const BindCase &c) {
 
 /// Runs a fetch through the dispatcher and compares all that is visible.
 void expectFetch(Session &session, const FetchCase &c);
+/// Runs a fetch through the converter alone, which writes behind the target where its
+/// text or prefix is longer.
+void expectDirectFetch(Session &session, const FetchCase &c);
 /// Runs a bind converter and compares all that is visible.
 void expectBind(Session &session, const BindCase &c);
 

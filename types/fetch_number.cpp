@@ -1,0 +1,118 @@
+/// Integers and floats that are fetched as Oracle's numbers.
+#include "types/fetch_rules.h"
+#include "types/number.h"
+#include "types/number_printers.h"
+#include "types/number_text.h"
+
+namespace zev {
+namespace {
+
+enum class Clear { Yes, No };
+
+/// What a member delivers, and what it tells as its length.
+enum class Result {
+  Number,             ///< a NUMBER; 21, whatever it takes
+  VarnumAndCount,     ///< a VARNUM; its first byte
+  VarnumAndItsLength  ///< a VARNUM; all its bytes
+};
+
+/// One member of the family.
+struct NumberRule {
+  Result result;
+  ub4 minCap;
+  sb4 minBinary = 0;  ///< bytes that a binary field needs
+  sb4 minValue = 0;   ///< bytes that a field needs in either format
+  bool emptyIsNull = true;
+};
+
+template <Result Rule>
+sword storeNumber(const char *s, void *target, ub4 *targetLength) {
+  auto *out = static_cast<ub1 *>(target);
+  constexpr auto kConvert =
+      Rule == Result::Number ? ConvertStringToNUMBER : ConvertStringToVARNUM;
+  if (kConvert(s, out) != 0) return -1;
+  if constexpr (Rule == Result::Number) *targetLength = kNumberSize;
+  if constexpr (Rule == Result::VarnumAndCount) *targetLength = out[0];
+  if constexpr (Rule == Result::VarnumAndItsLength) *targetLength = out[0] + 1u;
+  return 0;
+}
+
+/// The body of the members whose binary fields are printed first.
+template <Printer Print, NumberRule Rule>
+sword fetchNumber(FETCH_PARAMS) {
+  clearIndicator(indicator);
+  if (*targetLength < Rule.minCap) return -1;
+  if (Rule.emptyIsNull ? isNullField(value, valueLength, format) : !value) {
+    return deliverNull(errhp, indicator, returnCode);
+  }
+  if (valueLength < Rule.minValue) return -1;
+  if (format == kFieldText) {
+    return storeNumber<Rule.result>(static_cast<const char *>(value), target,
+                                    targetLength);
+  }
+  Scratch scratch;
+  std::string_view chars;
+  if (format != kFieldBinary || valueLength < Rule.minBinary) return -1;
+  if (!Print(value, valueLength, scratch, chars)) return -1;
+  return storeNumber<Rule.result>(chars.data(), target, targetLength);
+}
+
+/// The body of the integers' SQLT_VNU members.
+template <Clear Indicator>
+sword fetchVarnum(FETCH_PARAMS) {
+  if (Indicator == Clear::Yes) clearIndicator(indicator);
+  if (isNullField(value, valueLength, format)) {
+    return deliverNull(errhp, indicator, returnCode);
+  }
+  if (format == kFieldBinary) return fail(errhp, 3001);
+  if (format != kFieldText || *targetLength < 3) return -1;
+  return storeNumber<Result::VarnumAndItsLength>(static_cast<const char *>(value), target,
+                                                 targetLength);
+}
+
+// An integer needs the bytes of the longest one, whatever its own are.
+constexpr NumberRule kInteger{Result::Number, kNumberSize, 8};
+constexpr NumberRule kFloat4{Result::Number, 2};
+constexpr NumberRule kFloat4Varnum{Result::VarnumAndCount, 2};
+constexpr NumberRule kFloat8{Result::Number, 2, 8, 8, false};
+constexpr NumberRule kFloat8Varnum{Result::VarnumAndCount, 2, 8, 8, false};
+
+constexpr auto printInt2 = printTerminated<sb2, oci_itoa>;
+constexpr auto printInt4 = printTerminated<sb4, oci_itoa>;
+constexpr auto printInt8 = printTerminated<sb8, _i64toa>;
+constexpr auto printFloat4 = printFloat<float, 6, TRUE, Order::Network>;
+constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
+
+}  // namespace
+}  // namespace zev
+
+// clang-format off
+#define NUMBER_MEMBERS(X)                                   \
+  X(ConvertINT2OIDToSQLT_NUM,   printInt2,   kInteger)      \
+  X(ConvertINT4OIDToSQLT_NUM,   printInt4,   kInteger)      \
+  X(ConvertINT8OIDToSQLT_NUM,   printInt8,   kInteger)      \
+  X(ConvertFLOAT4OIDToSQLT_NUM, printFloat4, kFloat4)       \
+  X(ConvertFLOAT8OIDToSQLT_NUM, printFloat8, kFloat8)       \
+  X(ConvertFLOAT4OIDToSQLT_VNU, printFloat4, kFloat4Varnum) \
+  X(ConvertFLOAT8OIDToSQLT_VNU, printFloat8, kFloat8Varnum)
+
+#define VARNUM_MEMBERS(X)             \
+  X(ConvertINT2OIDToSQLT_VNU, No)     \
+  X(ConvertINT4OIDToSQLT_VNU, No)     \
+  X(ConvertINT8OIDToSQLT_VNU, Yes)
+// clang-format on
+#define DEFINE_NUMBER(name, print, rule)              \
+  extern "C" sword name(FETCH_PARAMS) {               \
+    using namespace zev;                              \
+    return fetchNumber<print, rule>(FETCH_ARGUMENTS); \
+  }
+#define DEFINE_VARNUM(name, clear)                               \
+  extern "C" sword name(FETCH_PARAMS) {                          \
+    return zev::fetchVarnum<zev::Clear::clear>(FETCH_ARGUMENTS); \
+  }
+NUMBER_MEMBERS(DEFINE_NUMBER)
+VARNUM_MEMBERS(DEFINE_VARNUM)
+#undef DEFINE_VARNUM
+#undef DEFINE_NUMBER
+#undef VARNUM_MEMBERS
+#undef NUMBER_MEMBERS

@@ -1,0 +1,32 @@
+/// What character data do on their way to the program, whatever they are stored in.
+#pragma once
+
+#include <string_view>
+
+#include "core/edge_text.h"
+#include "types/fetch_rules.h"
+
+namespace zev {
+
+/// The environment of a fetch as far as text is concerned.
+struct TextEnvironment {
+  explicit TextEnvironment(const OCIError *errhp)
+      : env(parentEnv(errhp)), emptyIsNull(env && env->oracleVarchars) {}
+  const OCIEnv *env;
+  bool emptyIsNull;
+
+  /// Whether text changes its bytes on the way to the program.
+  bool converts() const { return env && env->utf16; }
+  /// Whether a field is null rather than an empty text.
+  bool holdsNull(const void *value, sb4 valueLength, ub1 format) const {
+    return emptyIsNull && isNullField(value, valueLength, format);
+  }
+};
+
+/// The bytes of a field; none for a missing value.
+inline std::string_view fieldText(const void *value, sb4 valueLength) {
+  if (!value || valueLength <= 0) return {};
+  return {static_cast<const char *>(value), static_cast<std::size_t>(valueLength)};
+}
+
+}  // namespace zev
