@@ -124,6 +124,7 @@ std::vector<ub4> capsFor(const Call &call) {
   std::set<ub4> caps;
   const ub4 length = static_cast<ub4>(call.value.size());
   if (call.dty == SQLT_VST) return {0, 1, 3, 4, 8};
+  if (call.format == 2) return {8, 21};
   const ub4 end = call.format == 0 ? std::max(length, 8u) + 6 : kShort;
   for (ub4 cap = 0; cap <= std::min(end, kShort); ++cap) caps.insert(cap);
   for (ub4 cap = end > kShort ? end - 10 : end; cap <= end; ++cap) caps.insert(cap);
@@ -174,7 +175,12 @@ void forEachCall(const Pair &pair, const Visit &visit) {
   };
   for (const std::string &text : values.texts) sweep(0, text);
   for (const std::string &binary : values.binaries) sweep(1, binary);
-  sweep(2, values.texts[0]);
+  sweep(2, "1");
+}
+
+/// Shows a pair in the messages of the test program.
+[[maybe_unused]] void PrintTo(const Pair &pair, std::ostream *out) {
+  *out << model::nameOf(pair);
 }
 
 class MatrixTest : public testing::TestWithParam<Pair> {
@@ -188,6 +194,7 @@ class MatrixTest : public testing::TestWithParam<Pair> {
   }
 
   void TearDown() override {
+    EXPECT_GT(calls_, 0);
     if (mismatches_ > kPrintedMismatches) {
       ADD_FAILURE() << mismatches_ << " mismatches in " << calls_ << " calls";
     }
@@ -202,9 +209,9 @@ TEST_P(MatrixTest, ConverterDoesAsTheModel) {
   const FromServerConverter convert = model::converterOf(GetParam());
   ASSERT_NE(convert, nullptr) << "the converter is missing";
   forEachCall(GetParam(), [&](const Call &call) {
-    ++calls_;
     const auto expected = model::predict(call);
-    ASSERT_TRUE(expected.has_value());
+    if (!expected) return;
+    ++calls_;
     Session &session = sessions_.of(call.env);
     const std::size_t room = std::max(expected->target.size(), expected->text.size());
     Target target(call, room);
@@ -230,9 +237,9 @@ std::size_t exactRoom(const Call &call) {
 TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
   ASSERT_NE(model::converterOf(GetParam()), nullptr) << "the converter is missing";
   forEachCall(GetParam(), [&](const Call &call) {
-    ++calls_;
     const auto expected = model::predict(call);
-    ASSERT_TRUE(expected.has_value());
+    if (!expected) return;
+    ++calls_;
     Session &session = sessions_.of(call.env);
     Target target(call, exactRoom(call));
     const auto value = exactCopy(call.value + '\0');
@@ -249,6 +256,66 @@ TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
 
 INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPairs()),
                          [](const auto &row) { return model::nameOf(row.param); });
+
+/// One text in a target of 30 bytes that holds `before`.
+struct Plain {
+  explicit Plain(char before) : target(30, before) {}
+  sword run(const Pair &pair, Session &session, const char *text) {
+    return model::converterOf(pair)(session.errhp, text,
+                                    static_cast<sb4>(std::strlen(text)), 0, target.data(),
+                                    &length, &indicator, nullptr);
+  }
+  std::string target;
+  ub4 length = 30;
+  sb2 indicator = 77;
+};
+
+TEST(Matrix, ANumberTakesInNoByteThatStoodInTheTarget) {
+  Session session;
+  for (const Oid row : {INT2OID, INT4OID, INT8OID, TEXTOID, NUMERICOID}) {
+    const Pair pair{row, SQLT_VNU};
+    SCOPED_TRACE(model::nameOf(pair));
+    Plain plain('\x20');
+    EXPECT_EQ(plain.run(pair, session, "5"), 0);
+    EXPECT_EQ(plain.length, 3u);
+    EXPECT_EQ(plain.target.substr(0, 3), "\x02\xC1\x06");
+  }
+}
+
+TEST(Matrix, AnOldRangeErrorRefusesShortIntegers) {
+  Session session;
+  for (const Oid row : {INT2OID, INT4OID}) {
+    for (const ub2 dty : {SQLT_INT, SQLT_UIN}) {
+      SCOPED_TRACE(model::nameOf({row, dty}));
+      Plain plain('~');
+      plain.length = 4;
+      errno = ERANGE;
+      EXPECT_EQ(plain.run({row, dty}, session, "5"), -1);
+      EXPECT_EQ(session.takeRecord(), kNoRecord);
+    }
+  }
+}
+
+TEST(Matrix, TheIndicatorIsClearedButByTheMembersThatLeaveItAlone) {
+  Session session;
+  const auto leavesIt = [](Oid row, ub2 dty) {
+    if (row == INT2OID || row == INT4OID) return dty == SQLT_VNU;
+    const ub2 ofCharacters[] = {SQLT_CHR, SQLT_NUM, SQLT_STR,
+                                SQLT_VNU, SQLT_VCS, SQLT_LVC};
+    return row == CHAROID &&
+           std::count(std::begin(ofCharacters), std::end(ofCharacters), dty) != 0;
+  };
+  for (const Oid row : {CHAROID, INT2OID, INT4OID, INT8OID}) {
+    for (const ub2 dty : {SQLT_CHR, SQLT_NUM, SQLT_INT, SQLT_FLT, SQLT_STR, SQLT_VNU,
+                          SQLT_VCS, SQLT_UIN, SQLT_LVC, SQLT_AVC}) {
+      SCOPED_TRACE(model::nameOf({row, static_cast<ub2>(dty)}));
+      Plain plain('~');
+      if (dty == SQLT_INT || dty == SQLT_UIN || dty == SQLT_FLT) plain.length = 8;
+      EXPECT_EQ(plain.run({row, static_cast<ub2>(dty)}, session, "5"), 0);
+      EXPECT_EQ(plain.indicator, leavesIt(row, dty) ? 77 : 0);
+    }
+  }
+}
 
 TEST(Matrix, OnlyDatesAreWithoutAConverter) {
   for (const ConversionEntry &entry : PQToOCIConversionFunctions) {

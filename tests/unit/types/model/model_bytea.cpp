@@ -129,7 +129,7 @@ Parsed binaryToString(const string &value, long capacity) {
 }
 
 Outcome stringToBinary(Run &run, int prefix) {
-  const long capacity = run.cap - prefix;
+  const long capacity = std::max(run.cap - prefix, 0L);
   const Parsed parsed = stringToBytes(run.call.value, capacity);
   run.put(prefix, parsed.bytes);
   run.out.record = parsed.record;
@@ -192,7 +192,7 @@ Outcome str(Run &run) {
 Outcome prefixed(Run &run, int prefix) {
   if (run.cap == 0) return run.returns(0);
   if (run.isNull()) return run.nullRule();
-  if (run.call.format > 1) return run.fails();
+  if (run.call.format > 1 || run.cap < prefix) return run.fails();
   const Parsed parsed = place(run, prefix, run.cap - prefix);
   if (parsed.result < 0) return run.fails();
   run.put(0, native(parsed.length, prefix));
@@ -201,6 +201,7 @@ Outcome prefixed(Run &run, int prefix) {
 }
 
 Outcome vst(Run &run) {
+  if (run.cap == 0) return run.returns(0);
   if (run.isNull()) return run.nullRule();
   if (run.call.format > 1) return run.fails();
   const Parsed parsed = place(run, 0, run.call.stringSize);
@@ -209,8 +210,9 @@ Outcome vst(Run &run) {
     run.out.textLength = 0;
     return run.fails();
   }
-  if (parsed.length <= run.call.stringSize) run.putText(parsed.length, kNul);
-  run.out.textLength = static_cast<ub4>(parsed.length);
+  const long length = std::min(parsed.length, static_cast<long>(run.call.stringSize));
+  run.putText(length, kNul);
+  run.out.textLength = static_cast<ub4>(length);
   return run.returns(parsed.result);
 }
 
@@ -233,8 +235,8 @@ Outcome binary(Run &run) {
 
 Outcome prefixedBinary(Run &run, int prefix) {
   if (prefix == 2 && run.valueLength > 65535) return run.fails();
-  if (run.cap < 2) return run.fails();
   if (run.isNull()) return run.nullRule();
+  if (run.cap < 2) return run.fails();
   if (run.call.format > 1) return run.fails();
   if (run.call.format == 0) return stringToBinary(run, prefix);
   if (run.cap <= run.valueLength + prefix - 1) {

@@ -21,7 +21,7 @@ Outcome chr(Run &run) {
 
 Outcome avc(Run &run) {
   if (run.isNull()) {
-    run.setLength(run.cap - 1);
+    run.setLength(std::max(run.cap - 1, 0L));
     return run.nullRule();
   }
   if (run.cap > 0) run.put(0, run.call.value.substr(0, 1));

@@ -72,11 +72,11 @@ Outcome chr(Run &run, long cap) {
 }
 
 Outcome avc(Run &run) {
-  const long cap = isSingle(run) ? run.cap : run.cap - 1;
+  const long cap = isSingle(run) ? run.cap : std::max(run.cap - 1, 0L);
   run.setLength(cap);
   Outcome outcome = chr(run, cap);
   if (outcome.result < 0 || run.isNull()) return outcome;
-  const long end = static_cast<sb4>(*outcome.length);
+  const long end = *outcome.length;
   if (end > 0) run.put(end - 1, kNul);
   return run.returns(outcome.result);
 }
@@ -135,7 +135,7 @@ Outcome vst(Run &run) {
   if (run.isNull()) return run.nullRule();
   const optional<string> text = textOf(run, SQLT_VST);
   if (!text) return run.fails();
-  return placeInString(run, *text, *text, run.call.value);
+  return placeInString(run, *text, run.call.value);
 }
 
 Outcome integer(Run &run) {

@@ -111,7 +111,6 @@ Outcome str(Run &run, const string &text) {
 
 Outcome vcsOfInt2(Run &run, const string &text) {
   const long l = sizeOf(text);
-  if (run.cap < 2) return run.fails();
   if (l < run.cap) {
     run.put(0, native(l, 2) + text);
     run.setLength(l + 2);
@@ -125,7 +124,6 @@ Outcome vcsOfInt2(Run &run, const string &text) {
 
 Outcome vcs(Run &run, const string &text) {
   const long l = sizeOf(text);
-  if (run.cap < 2) return run.fails();
   if (l + 1 < run.cap) {
     run.put(0, native(l, 2) + text);
     run.setLength(l + 2);
@@ -137,7 +135,6 @@ Outcome vcs(Run &run, const string &text) {
 
 Outcome lvcOfInt2(Run &run, const string &text) {
   const long l = sizeOf(text);
-  if (run.cap < 4) return run.fails();
   if (l < run.cap) {
     run.put(0, native(l, 4) + text);
     run.setLength(l + 4);
@@ -151,7 +148,6 @@ Outcome lvcOfInt2(Run &run, const string &text) {
 
 Outcome lvc(Run &run, const string &text) {
   const long l = sizeOf(text);
-  if (run.cap < 4) return run.fails();
   if (l + 4 < run.cap) {
     run.put(0, native(l, 4) + text);
     run.setLength(l + 4);
@@ -179,12 +175,12 @@ Outcome avc(Run &run, const string &text) {
   return run.returns(0);
 }
 
-/// The narrow rows copy the field as it came, never more of it than there is.
+/// The narrow rows cut the field as it came, never more of it than there is.
 Outcome vstOfRaw(Run &run, const string &text) {
-  return placeInString(run, text, run.call.value, run.call.value);
+  return placeInString(run, text, run.call.value);
 }
 Outcome vst(Run &run, const string &text) {
-  return placeInString(run, text, text, text);
+  return placeInString(run, text, text);
 }
 
 struct TextCell {
@@ -226,6 +222,8 @@ Outcome textMember(Run &run, const TextCell &cell) {
   if (cell.row == INT2OID && cell.dty == SQLT_STR && run.valueLength > 2000) {
     return run.fails();
   }
+  if (cell.dty == SQLT_VCS && run.cap < 2) return run.fails();
+  if (cell.dty == SQLT_LVC && run.cap < 4) return run.fails();
   if (run.isNull()) return run.nullRule();
   if (run.call.format == 0) return cell.place(run, run.call.value);
   if (run.call.format != 1) return run.fails();
@@ -287,7 +285,8 @@ Outcome integerMember(Run &run, const IntegerCell &cell) {
     if (cell.row == INT2OID && !isSigned) value &= 0xFFFF;
   }
   if (cell.row == INT4OID) {
-    value = isSigned ? static_cast<sb4>(value) : static_cast<ub4>(value);
+    value = static_cast<sb4>(value);
+    if (!isSigned) value &= 0xFFFFFFFF;
   }
   const int store = static_cast<int>(run.cap);
   if (store != 1 && store != 2 && store != 4 && store != 8) {

@@ -51,7 +51,6 @@ Outcome lng(Run &run, const string &text) {
 }
 
 Outcome prefixed(Run &run, const string &text, int prefix) {
-  if (run.cap < prefix) return run.fails();
   const long n = std::min(run.cap - prefix, sizeOf(text));
   run.put(0, native(n, prefix) + head(text, n));
   run.setLength(n + prefix);
@@ -103,6 +102,8 @@ optional<string> textOf(const Run &run) {
 
 Outcome textMember(Run &run, const TextCell &cell) {
   if (run.valueLength > cell.longest) return run.fails();
+  if (cell.dty == SQLT_VCS && run.cap < 2) return run.fails();
+  if (cell.dty == SQLT_LVC && run.cap < 4) return run.fails();
   if (run.isNull()) return null(run);
   const optional<string> text = textOf(run);
   if (!text) return run.fails();
@@ -110,8 +111,8 @@ Outcome textMember(Run &run, const TextCell &cell) {
 }
 
 Outcome integer(Run &run) {
-  if (run.cap < 1) return run.fails();
   if (run.isNull()) return null(run);
+  if (run.cap < 1) return run.fails();
   const int width = run.cap < 2 ? 1 : run.cap < 4 ? 2 : run.cap > 7 ? 8 : 4;
   if (run.call.format == 0) {
     run.put(0, native(atoi64(run.cText()), width));
@@ -134,8 +135,8 @@ Outcome integer(Run &run) {
 }
 
 Outcome flt(Run &run) {
-  if (run.cap < 4) return run.fails();
   if (run.isNull()) return null(run);
+  if (run.cap < 4) return run.fails();
   const optional<string> text = textOf(run);
   if (!text) return run.fails();
   const ReadDouble read = readDouble(text->substr(0, text->find('\0')));
@@ -151,18 +152,18 @@ Outcome flt(Run &run) {
   return run.returns(1);
 }
 
-Outcome vst(Run &run) {
+optional<Outcome> vst(Run &run) {
   if (run.cap < 1) return run.returns(0);
   if (run.isNull()) return null(run);
   string text = run.call.value;
   if (run.call.format == 1) {
     const optional<WireNumeric> v = parseWire(run.call.value, false);
-    if (!v) return run.fails();
+    if (!v) return std::nullopt;
     text = printed(*v, 21);
   } else if (run.call.format != 0) {
     return run.fails();
   }
-  Outcome outcome = placeInString(run, text, text, text);
+  Outcome outcome = placeInString(run, text, text);
   outcome.length.reset();
   return outcome;
 }

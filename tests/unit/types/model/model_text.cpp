@@ -230,14 +230,15 @@ Outcome binary(Run &run) {
 
 Outcome prefixedBinary(Run &run, int prefix) {
   if (run.cap == 0) return run.returns(0);
-  if (run.cap < 2) return run.fails();
   if (isTextNull(run)) return run.nullRule();
+  if (run.cap < 2) return run.fails();
   return stringToBinary(run, prefix);
 }
 
 }  // namespace
 
 optional<Outcome> predictText(Run &run) {
+  if (run.call.format > 1) return run.fails();
   switch (run.call.dty) {
     case SQLT_CHR:
     case SQLT_AFC:

@@ -109,12 +109,11 @@ long long fromNetwork(const std::string &bytes, int width) {
   return value;
 }
 
-Outcome placeInString(Run &run, const std::string &text, const std::string &fitting,
-                      const std::string &cut) {
+Outcome placeInString(Run &run, const std::string &text, const std::string &cut) {
   const long length = static_cast<long>(text.size());
   const long size = run.call.stringSize;
   if (length + 1 <= size) {
-    run.putText(0, fitting.substr(0, text.size()));
+    run.putText(0, text);
     run.putText(length, std::string(1, '\0'));
     run.out.textLength = static_cast<ub4>(length);
     return run.returns(0);

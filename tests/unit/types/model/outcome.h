@@ -90,7 +90,8 @@ T readAs(const std::string &bytes);
 /// The first `width` bytes as a signed integer in network order.
 long long fromNetwork(const std::string &bytes, int width);
 
-/// What the library does with `call`; nothing for pairs that are not modelled.
+/// What the library does with `call`; nothing for pairs that are not modelled, and for
+/// fields that are nonsense in their format.
 std::optional<Outcome> predict(const Call &call);
 std::optional<Outcome> predictInteger(Run &run);
 std::optional<Outcome> predictCharacter(Run &run);
@@ -99,10 +100,9 @@ std::optional<Outcome> predictNumeric(Run &run);
 std::optional<Outcome> predictText(Run &run);
 std::optional<Outcome> predictBytea(Run &run);
 
-/// Text of an integer row placed in the string of a SQLT_VST; `fitting` and `cut` are the
-/// bytes that are copied in the two cases.
-Outcome placeInString(Run &run, const std::string &text, const std::string &fitting,
-                      const std::string &cut);
+/// Text placed in the string of a SQLT_VST; a text that does not fit leaves the first
+/// bytes of `cut`.
+Outcome placeInString(Run &run, const std::string &text, const std::string &cut);
 /// SQLT_BFLOAT and SQLT_BDOUBLE around the SQLT_FLT member: a target below `least` is
 /// refused.
 Outcome fixedFloat(Run &run, long least, Outcome (*member)(Run &));
