@@ -261,9 +261,11 @@ INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPai
 struct Plain {
   explicit Plain(char before) : target(30, before) {}
   sword run(const Pair &pair, Session &session, const char *text) {
-    return model::converterOf(pair)(session.errhp, text,
-                                    static_cast<sb4>(std::strlen(text)), 0, target.data(),
-                                    &length, &indicator, nullptr);
+    const FromServerConverter convert = model::converterOf(pair);
+    EXPECT_NE(convert, nullptr);
+    if (!convert) return -1;
+    return convert(session.errhp, text, static_cast<sb4>(std::strlen(text)), 0,
+                   target.data(), &length, &indicator, nullptr);
   }
   std::string target;
   ub4 length = 30;
