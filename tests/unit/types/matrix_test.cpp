@@ -178,11 +178,6 @@ void forEachCall(const Pair &pair, const Visit &visit) {
   sweep(2, "1");
 }
 
-/// Shows a pair in the messages of the test program.
-[[maybe_unused]] void PrintTo(const Pair &pair, std::ostream *out) {
-  *out << model::nameOf(pair);
-}
-
 class MatrixTest : public testing::TestWithParam<Pair> {
  protected:
   void mismatch(const Call &call, const Outcome &expected, const Outcome &seen) {
@@ -264,12 +259,14 @@ struct Plain {
     const FromServerConverter convert = model::converterOf(pair);
     EXPECT_NE(convert, nullptr);
     if (!convert) return -1;
+    errno = errnoBefore;
     return convert(session.errhp, text, static_cast<sb4>(std::strlen(text)), 0,
                    target.data(), &length, &indicator, nullptr);
   }
   std::string target;
   ub4 length = 30;
   sb2 indicator = 77;
+  int errnoBefore = 0;
 };
 
 TEST(Matrix, ANumberTakesInNoByteThatStoodInTheTarget) {
@@ -291,7 +288,7 @@ TEST(Matrix, AnOldRangeErrorRefusesShortIntegers) {
       SCOPED_TRACE(model::nameOf({row, dty}));
       Plain plain('~');
       plain.length = 4;
-      errno = ERANGE;
+      plain.errnoBefore = ERANGE;
       EXPECT_EQ(plain.run({row, dty}, session, "5"), -1);
       EXPECT_EQ(session.takeRecord(), kNoRecord);
     }

@@ -5,6 +5,7 @@
 #include "bytea.h"
 #include "outcome.h"
 #include "texts.h"
+#include "utf.h"
 
 namespace zevtest::model {
 namespace {
@@ -21,13 +22,16 @@ long sizeOf(const string &text) {
   return static_cast<long>(text.size());
 }
 
-/// ASCII to UTF-16 in native order.
-string transcoded(const Run &run, const string &text) {
+/// In the client's encoding; nothing for bad text.
+optional<string> transcoded(const Run &run, const string &text) {
   if (!run.call.env.utf16) return text;
-  string wide;
-  for (const char c : text) wide += string{c, '\0'};
-  return wide;
+  const Converted converted = utf8ToUtf16(text);
+  if (converted.error != 0) return std::nullopt;
+  return converted.text;
 }
+
+/// A text without a number is recorded.
+constexpr int kTextOnly = -1;
 
 bool isTextNull(const Run &run) {
   return run.call.env.oracleVarchars && run.isNull();
@@ -38,14 +42,18 @@ struct Copied {
   sword result;
   long n;
 };
-Copied copyWhole(Run &run, const string &output) {
+Copied copyWhole(Run &run, const optional<string> &output) {
   const bool cut = run.cap < run.valueLength;
   if (cut) {
     run.out.record = 1406;
     run.missing(run.valueLength - run.cap);
   }
-  const long n = std::min(sizeOf(output), run.cap);
-  run.put(0, head(output, n));
+  if (!output) {
+    run.out.record = kTextOnly;
+    return {-1, 0};
+  }
+  const long n = std::min(sizeOf(*output), run.cap);
+  run.put(0, head(*output, n));
   return {cut ? 1 : 0, n};
 }
 
@@ -53,6 +61,7 @@ Outcome chr(Run &run) {
   if (run.cap == 0) return run.returns(0);
   if (isTextNull(run)) return run.nullRule();
   const Copied copied = copyWhole(run, transcoded(run, run.call.value));
+  if (copied.result < 0) return run.fails();
   run.blanks(copied.n, run.cap);
   run.setLength(copied.n);
   return run.returns(copied.result);
@@ -62,6 +71,7 @@ Outcome avc(Run &run) {
   if (run.cap == 0) return run.returns(0);
   if (isTextNull(run)) return run.nullRule();
   const Copied copied = copyWhole(run, transcoded(run, run.call.value));
+  if (copied.result < 0) return run.fails();
   run.blanks(copied.n, run.cap);
   const long length = copied.n < run.cap ? copied.n + 1 : run.cap;
   run.setLength(length);
@@ -79,8 +89,10 @@ Outcome lng(Run &run) {
 
 Outcome str(Run &run) {
   if (isTextNull(run)) return run.nullRule();
-  const string terminator = transcoded(run, kNul);
-  const string output = transcoded(run, run.call.value + kNul);
+  const string terminator = *transcoded(run, kNul);
+  const optional<string> whole = transcoded(run, run.call.value + kNul);
+  if (!whole) return run.failsWith(kTextOnly);
+  const string &output = *whole;
   const long n = std::min(sizeOf(output), run.cap);
   run.put(0, head(output, n));
   run.setLength(n);
@@ -102,7 +114,9 @@ Outcome vst(Run &run) {
     run.missing(run.valueLength - size);
     result = 1;
   }
-  const string output = transcoded(run, run.call.value);
+  const optional<string> whole = transcoded(run, run.call.value);
+  if (!whole) return run.failsWith(kTextOnly);
+  const string &output = *whole;
   if (size <= sizeOf(output)) {
     run.putText(0, head(output, size - 1));
     run.putText(size - 1, kNul);
@@ -131,7 +145,9 @@ Outcome vcs(Run &run) {
     if (!run.call.indicator) return run.returns(1);
     run.setIndicator(run.valueLength);
   }
-  const string output = transcoded(run, run.call.value);
+  const optional<string> whole = transcoded(run, run.call.value);
+  if (!whole) return run.failsWith(kTextOnly);
+  const string &output = *whole;
   run.put(0, native(sizeOf(output), 2) + output);
   run.setLength(run.valueLength + 2);
   return run.returns(0);
@@ -145,7 +161,9 @@ Outcome lvc(Run &run) {
     const long over = run.valueLength - run.cap;
     run.setIndicator(over >= -4 && over <= 65531 ? over + 4 : 65534);
   }
-  const string output = transcoded(run, run.call.value);
+  const optional<string> whole = transcoded(run, run.call.value);
+  if (!whole) return run.failsWith(kTextOnly);
+  const string &output = *whole;
   run.put(0, native(sizeOf(output), 4) + output);
   run.setLength(sizeOf(output) + 4);
   return run.returns(0);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ostream>
 
 namespace zevtest::model {
 namespace {
@@ -64,6 +65,10 @@ std::string lookUp(const Name (&names)[N], ub4 number) {
 
 std::string nameOf(const Pair &pair) {
   return lookUp(kRows, pair.oid) + "_to_" + lookUp(kTargets, pair.dty);
+}
+
+void PrintTo(const Pair &pair, std::ostream *out) {
+  *out << nameOf(pair);
 }
 
 bool isDatePair(const Pair &pair) {

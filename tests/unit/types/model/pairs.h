@@ -3,6 +3,7 @@
 
 #include <oci.h>
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct Pair {
 
 /// "INT4OID_to_STR".
 std::string nameOf(const Pair &pair);
+/// Shows a pair in the messages of the test program.
+void PrintTo(const Pair &pair, std::ostream *out);
 /// Whether the pair converts dates, times or intervals.
 bool isDatePair(const Pair &pair);
 /// All pairs of the table but those of dates and of large objects.

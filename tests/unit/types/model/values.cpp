@@ -116,14 +116,37 @@ const vector<string> kByteaTexts = {
     "",    kNul,       "\\xDEAD",     "\\xff",  "a\\\\", "a\\001b", "\\9",      "x\\1",
     "\\x", "\\xABCDE", "\\377\\000z", "abcdef", "\\xG1", "a\\400",  "\\\\\\\\", "\\x4"};
 
-const vector<string> kCharacterTexts =
-    vector<string>{
-        "abc",     "123",     "-5",         " 5",  "12.5", "0.1",
-        "1e400",   "0",       "2147483647", "300", "200",  "40000",
-        "70000",   "NaN",     "1e-320",     "7",   "1.50", "2147483646",
-        "1,000",   "1.000,5", "-0.25",      ".",   "   ",  "99999999999999999999",
-        k45Digits, k46Digits} +
-    kByteaTexts;
+const vector<string> kCharacterTexts = vector<string>{"abc",
+                                                      "123",
+                                                      "-5",
+                                                      " 5",
+                                                      "12.5",
+                                                      "0.1",
+                                                      "1e400",
+                                                      "0",
+                                                      "2147483647",
+                                                      "300",
+                                                      "200",
+                                                      "40000",
+                                                      "70000",
+                                                      "NaN",
+                                                      "1e-320",
+                                                      "7",
+                                                      "1.50",
+                                                      "2147483646",
+                                                      "1,000",
+                                                      "1.000,5",
+                                                      "-0.25",
+                                                      ".",
+                                                      "   ",
+                                                      "99999999999999999999",
+                                                      k45Digits,
+                                                      k46Digits,
+                                                      "\xC3\xA9t\xE2\x82\xAC",
+                                                      "\xF0\x9F\x98\x80",
+                                                      "ab\xC3",
+                                                      "a\xFFz"} +
+                                       kByteaTexts;
 
 }  // namespace
 
