@@ -1,0 +1,328 @@
+/// Every pair of the fetch matrix against its model: telling values in both formats, all
+/// sizes of the target, with and without indicator and return code.
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+#include "model/outcome.h"
+#include "model/pairs.h"
+#include "model/values.h"
+#include "types_fixture.h"
+#include "zevoci/string_value.h"
+
+namespace zevtest {
+namespace {
+
+using model::Call;
+using model::Outcome;
+using model::Pair;
+
+constexpr int kPrintedMismatches = 5;
+constexpr ub4 kTextLengthBefore = 0xABCD;
+
+std::string escaped(const std::string &bytes) {
+  std::string text = "\"";
+  for (const char c : bytes) {
+    char hex[8];
+    std::snprintf(hex, sizeof hex, "\\%02X", static_cast<unsigned char>(c));
+    const bool plain = c >= ' ' && c < 127 && c != '\\' && c != '"';
+    text += plain ? std::string(1, c) : hex;
+  }
+  return text + "\"";
+}
+
+std::string described(const Outcome &o, bool isString) {
+  const std::string &bytes = isString ? o.text : o.target;
+  const auto last = bytes.find_last_not_of(model::kUntouched);
+  std::string text = "result " + std::to_string(o.result) + " bytes " +
+                     escaped(bytes.substr(0, last + 1)) + " length " +
+                     (o.length ? std::to_string(static_cast<sb4>(*o.length)) : "open") +
+                     " ind " + std::to_string(o.indicator) + " rc " +
+                     std::to_string(o.returnCode) + " record " + std::to_string(o.record);
+  if (isString) text += " string length " + std::to_string(o.textLength.value_or(0));
+  return text;
+}
+
+std::string described(const Call &c) {
+  std::string text = "format " + std::to_string(c.format) + " value " + escaped(c.value) +
+                     " cap " + std::to_string(c.cap);
+  if (c.dty == SQLT_VST) text += " size " + std::to_string(c.stringSize);
+  text += c.indicator ? " ind" : " no-ind";
+  text += c.returnCode ? " rc" : " no-rc";
+  if (!c.env.oracleVarchars) text += " no-varchars";
+  if (c.env.utf16) text += " utf16";
+  return text;
+}
+
+/// The sessions of one environment each, for all environments that the model knows.
+class Sessions {
+ public:
+  Session &of(const model::Environment &env) {
+    Session &session = env.utf16 ? wide_ : narrow_;
+    session.env->oracleVarchars = env.oracleVarchars;
+    return session;
+  }
+
+ private:
+  Session narrow_;
+  Session wide_{OCI_UTF16};
+};
+
+/// A target with everything around it, and one conversion into it.
+class Target {
+ public:
+  /// `room` is the size of the block of bytes, or of the text of the string.
+  Target(const Call &call, std::size_t room) : call_(call), room_(room) {
+    block_ = guarded(room_);
+    string_ = {call.stringSize, kTextLengthBefore,
+               reinterpret_cast<OraText *>(block_.get())};
+    length_ = call.cap;
+  }
+
+  bool isString() const { return call_.dty == SQLT_VST; }
+  void *address() { return isString() ? static_cast<void *>(&pointer_) : block_.get(); }
+  ub4 *length() { return &length_; }
+  sb2 *indicator() { return call_.indicator ? &indicator_ : nullptr; }
+  ub2 *returnCode() { return call_.returnCode ? &returnCode_ : nullptr; }
+
+  Outcome seen(sword result, int record) const {
+    Outcome out;
+    out.result = result;
+    (isString() ? out.text : out.target).assign(block_.get(), room_);
+    out.length = length_;
+    out.indicator = indicator_;
+    out.returnCode = returnCode_;
+    out.record = record;
+    if (string_.length != kTextLengthBefore) out.textLength = string_.length;
+    return out;
+  }
+
+ private:
+  const Call &call_;
+  std::size_t room_;
+  std::unique_ptr<char[]> block_;
+  OCIString string_{};
+  OCIString *pointer_ = &string_;
+  ub4 length_ = 0;
+  sb2 indicator_ = 0;
+  ub2 returnCode_ = 0;
+};
+
+bool agree(const Outcome &expected, const Outcome &seen, std::size_t bytes) {
+  return expected.result == seen.result && expected.indicator == seen.indicator &&
+         expected.returnCode == seen.returnCode && expected.record == seen.record &&
+         (!expected.length || expected.length == seen.length) &&
+         expected.textLength == seen.textLength &&
+         expected.target.compare(0, bytes, seen.target, 0, bytes) == 0 &&
+         expected.text.compare(0, bytes, seen.text, 0, bytes) == 0;
+}
+
+/// Lengths of text that a row prints values with lie below this.
+constexpr ub4 kShort = 26;
+
+std::vector<ub4> capsFor(const Call &call) {
+  std::set<ub4> caps;
+  const ub4 length = static_cast<ub4>(call.value.size());
+  if (call.dty == SQLT_VST) return {0, 1, 3, 4, 8};
+  if (call.format == 2) return {8, 21};
+  const ub4 end = call.format == 0 ? std::max(length, 8u) + 6 : kShort;
+  for (ub4 cap = 0; cap <= std::min(end, kShort); ++cap) caps.insert(cap);
+  for (ub4 cap = end > kShort ? end - 10 : end; cap <= end; ++cap) caps.insert(cap);
+  return {caps.begin(), caps.end()};
+}
+
+std::vector<ub4> sizesFor(const Call &call) {
+  if (call.dty != SQLT_VST) return {0};
+  const ub4 length = static_cast<ub4>(call.value.size());
+  if (call.cap != 8) return {length + 1};
+  std::vector<ub4> sizes{0, 1, 2, 3, 4, 5};
+  for (ub4 size = std::max(length, 8u) - 2; size <= 2 * length + 4; ++size) {
+    sizes.push_back(size);
+  }
+  return sizes;
+}
+
+std::vector<model::Environment> environmentsFor(Oid row) {
+  std::vector<model::Environment> all{{true, false}, {false, false}};
+  const bool isText = row == TEXTOID || row == zev::kBpcharOid || row == zev::kVarcharOid;
+  if (isText) all.push_back({true, true});
+  return all;
+}
+
+/// Calls `visit` with every call of a pair.
+template <class Visit>
+void forEachCall(const Pair &pair, const Visit &visit) {
+  const model::Values values = model::valuesOf(pair.oid);
+  const auto sweep = [&](ub1 format, const std::string &value) {
+    Call call{.oid = pair.oid, .dty = pair.dty, .format = format, .value = value};
+    for (const auto env : environmentsFor(pair.oid)) {
+      for (const ub4 cap : capsFor(call)) {
+        call.cap = cap;
+        for (const ub4 size : sizesFor(call)) {
+          for (const bool indicator : {true, false}) {
+            for (const bool returnCode : {true, false}) {
+              if (!returnCode && cap % 3 != 0) continue;
+              call.stringSize = size;
+              call.indicator = indicator;
+              call.returnCode = returnCode;
+              call.env = env;
+              visit(call);
+            }
+          }
+        }
+      }
+    }
+  };
+  for (const std::string &text : values.texts) sweep(0, text);
+  for (const std::string &binary : values.binaries) sweep(1, binary);
+  sweep(2, "1");
+}
+
+class MatrixTest : public testing::TestWithParam<Pair> {
+ protected:
+  void mismatch(const Call &call, const Outcome &expected, const Outcome &seen) {
+    ++mismatches_;
+    if (mismatches_ > kPrintedMismatches) return;
+    const bool isString = call.dty == SQLT_VST;
+    ADD_FAILURE() << described(call) << "\n  expected " << described(expected, isString)
+                  << "\n  seen     " << described(seen, isString);
+  }
+
+  void TearDown() override {
+    EXPECT_GT(calls_, 0);
+    if (mismatches_ > kPrintedMismatches) {
+      ADD_FAILURE() << mismatches_ << " mismatches in " << calls_ << " calls";
+    }
+  }
+
+  Sessions sessions_;
+  int calls_ = 0;
+  int mismatches_ = 0;
+};
+
+TEST_P(MatrixTest, ConverterDoesAsTheModel) {
+  const FromServerConverter convert = model::converterOf(GetParam());
+  ASSERT_NE(convert, nullptr) << "the converter is missing";
+  forEachCall(GetParam(), [&](const Call &call) {
+    const auto expected = model::predict(call);
+    if (!expected) return;
+    ++calls_;
+    Session &session = sessions_.of(call.env);
+    const std::size_t room = std::max(expected->target.size(), expected->text.size());
+    Target target(call, room);
+    const auto value = exactCopy(call.value + '\0');
+    errno = 0;
+    const sword result = convert(
+        session.errhp, value.get(), static_cast<sb4>(call.value.size()), call.format,
+        target.address(), target.length(), target.indicator(), target.returnCode());
+    const Outcome seen = target.seen(result, session.takeRecord());
+    if (!agree(*expected, seen, room)) mismatch(call, *expected, seen);
+  });
+}
+
+/// Bytes that a program's buffer of `cap` bytes must have: text that ends in a NUL may
+/// have it behind them.
+std::size_t exactRoom(const Call &call) {
+  if (call.dty == SQLT_VST) return call.stringSize + 1;
+  const bool endsInNul =
+      call.dty == SQLT_STR || call.dty == SQLT_AVC || call.dty == SQLT_RSET;
+  return call.cap + (endsInNul ? 1 : 0);
+}
+
+TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
+  ASSERT_NE(model::converterOf(GetParam()), nullptr) << "the converter is missing";
+  forEachCall(GetParam(), [&](const Call &call) {
+    const auto expected = model::predict(call);
+    if (!expected) return;
+    ++calls_;
+    Session &session = sessions_.of(call.env);
+    Target target(call, exactRoom(call));
+    const auto value = exactCopy(call.value + '\0');
+    errno = 0;
+    const sword result = PQ2OCIType_2(
+        session.errhp, call.oid, value.get(), static_cast<sb4>(call.value.size()),
+        call.format, call.dty, target.address(), target.length(), target.indicator(),
+        target.returnCode(), nullptr, 0);
+    const Outcome seen = target.seen(result, session.takeRecord());
+    const std::size_t bytes = call.dty == SQLT_VST ? call.stringSize : call.cap;
+    if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPairs()),
+                         [](const auto &row) { return model::nameOf(row.param); });
+
+/// One text in a target of 30 bytes that holds `before`.
+struct Plain {
+  explicit Plain(char before) : target(30, before) {}
+  sword run(const Pair &pair, Session &session, const char *text) {
+    const FromServerConverter convert = model::converterOf(pair);
+    EXPECT_NE(convert, nullptr);
+    if (!convert) return -1;
+    errno = errnoBefore;
+    return convert(session.errhp, text, static_cast<sb4>(std::strlen(text)), 0,
+                   target.data(), &length, &indicator, nullptr);
+  }
+  std::string target;
+  ub4 length = 30;
+  sb2 indicator = 77;
+  int errnoBefore = 0;
+};
+
+TEST(Matrix, ANumberTakesInNoByteThatStoodInTheTarget) {
+  Session session;
+  for (const Oid row : {INT2OID, INT4OID, INT8OID, TEXTOID, NUMERICOID}) {
+    const Pair pair{row, SQLT_VNU};
+    SCOPED_TRACE(model::nameOf(pair));
+    Plain plain('\x20');
+    EXPECT_EQ(plain.run(pair, session, "5"), 0);
+    EXPECT_EQ(plain.length, 3u);
+    EXPECT_EQ(plain.target.substr(0, 3), "\x02\xC1\x06");
+  }
+}
+
+TEST(Matrix, AnOldRangeErrorRefusesShortIntegers) {
+  Session session;
+  for (const Oid row : {INT2OID, INT4OID}) {
+    for (const ub2 dty : {SQLT_INT, SQLT_UIN}) {
+      SCOPED_TRACE(model::nameOf({row, dty}));
+      Plain plain('~');
+      plain.length = 4;
+      plain.errnoBefore = ERANGE;
+      EXPECT_EQ(plain.run({row, dty}, session, "5"), -1);
+      EXPECT_EQ(session.takeRecord(), kNoRecord);
+    }
+  }
+}
+
+TEST(Matrix, TheIndicatorIsClearedButByTheMembersThatLeaveItAlone) {
+  Session session;
+  const auto leavesIt = [](Oid row, ub2 dty) {
+    if (row == INT2OID || row == INT4OID) return dty == SQLT_VNU;
+    const ub2 ofCharacters[] = {SQLT_CHR, SQLT_NUM, SQLT_STR,
+                                SQLT_VNU, SQLT_VCS, SQLT_LVC};
+    return row == CHAROID &&
+           std::count(std::begin(ofCharacters), std::end(ofCharacters), dty) != 0;
+  };
+  for (const Oid row : {CHAROID, INT2OID, INT4OID, INT8OID}) {
+    for (const ub2 dty : {SQLT_CHR, SQLT_NUM, SQLT_INT, SQLT_FLT, SQLT_STR, SQLT_VNU,
+                          SQLT_VCS, SQLT_UIN, SQLT_LVC, SQLT_AVC}) {
+      SCOPED_TRACE(model::nameOf({row, static_cast<ub2>(dty)}));
+      Plain plain('~');
+      if (dty == SQLT_INT || dty == SQLT_UIN || dty == SQLT_FLT) plain.length = 8;
+      EXPECT_EQ(plain.run({row, static_cast<ub2>(dty)}, session, "5"), 0);
+      EXPECT_EQ(plain.indicator, leavesIt(row, dty) ? 77 : 0);
+    }
+  }
+}
+
+TEST(Matrix, OnlyDatesAreWithoutAConverter) {
+  for (const ConversionEntry &entry : PQToOCIConversionFunctions) {
+    const Pair pair{entry.firstKey, static_cast<ub2>(entry.secondKey)};
+    if (model::isDatePair(pair)) continue;
+    EXPECT_NE(entry.converter.fromServer, nullptr) << model::nameOf(pair);
+  }
+}
+
+}  // namespace
+}  // namespace zevtest
