@@ -24,6 +24,10 @@ struct Column {
   std::vector<const char *> values;
 };
 
+void PrintTo(const Column &column, std::ostream *out) {
+  *out << column.name;
+}
+
 // clang-format off
 const Column kColumns[] = {
     {17,   "Bytea",   "bytea",   {R"('\xDEAD')", "'abc'", R"('\x')", "NULL", R"('\x00ff10203040506070')", R"('\x61')"}},
@@ -139,7 +143,7 @@ class MatrixFetchTest : public StatementFixture,
   }
 
   std::string literal(std::size_t row) const {
-    return std::string(GetParam().values[row]) + "::" + GetParam().type;
+    return std::string("CAST(") + GetParam().values[row] + " AS " + GetParam().type + ")";
   }
 
   bool isNull(std::size_t row) const {
@@ -223,9 +227,10 @@ class MatrixFetchTest : public StatementFixture,
   }
 
   /// Fetches all rows at once; the last one decides the status.
-  void fetchArray(ub2 dty, ub4 size) {
+  void fetchArray(ub2 dty, ub4 size, ub4 cursorStrategy) {
     Buffers buffers(dty, size, rows());
     Statement stmt = statement(selectAll());
+    stmt.setAttribute(ZEVOCI_ATTR_CURSOR_STRATEGY, cursorStrategy);
     ASSERT_EQ(define(stmt, dty, size, buffers, true), OCI_SUCCESS);
     ASSERT_EQ(stmt.execute(0), OCI_SUCCESS) << errorText();
     const Outcome last = expected(dty, size, rows() - 1, true);
@@ -271,8 +276,12 @@ TEST_P(MatrixFetchTest, PrefetchedRows) {
   forEachTarget([&](ub2 dty, ub4 size) { fetchSingly(dty, size, true, 3); });
 }
 
-TEST_P(MatrixFetchTest, AnArray) {
-  forEachTarget([&](ub2 dty, ub4 size) { fetchArray(dty, size); });
+TEST_P(MatrixFetchTest, AnArrayOfAPortal) {
+  forEachTarget([&](ub2 dty, ub4 size) { fetchArray(dty, size, 2); });
+}
+
+TEST_P(MatrixFetchTest, AnArrayOfADeclaredCursor) {
+  forEachTarget([&](ub2 dty, ub4 size) { fetchArray(dty, size, 1); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Columns, MatrixFetchTest, testing::ValuesIn(kColumns),
