@@ -104,7 +104,6 @@ sword ConvertSQLT_NUMToNUMERICOID(BIND_PARAMS) {
 sword ConvertSQLT_VNUToNUMERICOID(BIND_PARAMS) {
   zev::clearOutputs(outBuffer, outLength, outFormat, zev::kBinaryFormat);
   if (!value || valueLength > static_cast<sb4>(zev::kVarnumSize)) return -1;
-  if (valueLength <= *static_cast<const ub1 *>(value)) return -1;
   return zev::bindNumber<ConvertVARNUMBERToNumeric>(value, outBuffer, outLength);
 }
 

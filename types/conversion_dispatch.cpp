@@ -69,16 +69,18 @@ sb4 order(const ConversionEntry &e, sb4 firstKey, sb4 secondKey) {
   return (second > secondKey) - (second < secondKey);
 }
 
-/// The row of a fetched pair, or -1.
-sb4 findFromServer(Oid pgType, ub2 ociType, PGconn *conn) {
-  Oid oid = aliasOf(pgType);
-  if (IsValidPQDataType(oid) != 0) {
-    if (!isRawType(conn, oid)) return -1;
-    oid = zev::kRawOid;
-  }
-  if (IsValidOCIDataType(ociType) != 0) return -1;
+sb4 findRow(Oid oid, ub2 ociType) {
   return zev::findConversion(oid, ociType, PQToOCIConversionFunctions, 0,
                              kFromServerEntries - 1);
+}
+
+/// The row of a fetched pair, or -1. Every pair of the table has known types, so that
+/// only what is not in it needs a closer look.
+sb4 findFromServer(Oid pgType, ub2 ociType, PGconn *conn) {
+  const Oid oid = aliasOf(pgType);
+  const sb4 row = findRow(oid, ociType);
+  if (row >= 0 || IsValidPQDataType(oid) == 0) return row;
+  return isRawType(conn, oid) ? findRow(zev::kRawOid, ociType) : -1;
 }
 
 }  // namespace

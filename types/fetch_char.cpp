@@ -84,10 +84,11 @@ PADDED_MEMBERS(DEFINE)
 
 sword ConvertCHAROIDToSQLT_AVC(FETCH_PARAMS) {
   const ub4 cap = *targetLength;
-  if (cap > 1) *targetLength = cap - 1;
+  const bool null = zev::isNullField(value, valueLength, format);
+  // The last byte is kept for the NUL, unless it is the only one.
+  if (cap > 1 || (cap == 1 && null)) *targetLength = cap - 1;
   const sword status = zev::fetchPadded<zev::Clear::Yes>(FETCH_ARGUMENTS);
-  const bool delivered = !zev::isNullField(value, valueLength, format);
-  if (delivered && cap > 1) static_cast<char *>(target)[*targetLength] = '\0';
+  if (!null && cap > 1) static_cast<char *>(target)[*targetLength] = '\0';
   return status;
 }
 

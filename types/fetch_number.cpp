@@ -58,13 +58,15 @@ sword fetchNumber(FETCH_PARAMS) {
 }
 
 /// The body of the integers' SQLT_VNU members.
-template <Clear Indicator>
+template <class Wire, Clear Indicator>
 sword fetchVarnum(FETCH_PARAMS) {
   if (Indicator == Clear::Yes) clearIndicator(indicator);
   if (isNullField(value, valueLength, format)) {
     return deliverNull(errhp, indicator, returnCode);
   }
-  if (format == kFieldBinary) return fail(errhp, 3001);
+  if (format == kFieldBinary && valueLength >= static_cast<sb4>(sizeof(Wire))) {
+    return fail(errhp, 3001);
+  }
   if (format != kFieldText || *targetLength < 3) return -1;
   return storeNumber<Result::VarnumAndItsLength>(static_cast<const char *>(value), target,
                                                  targetLength);
@@ -106,18 +108,18 @@ constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
   X(ConvertFLOAT8OIDToSQLT_VNU, printFloat8, kFloat8Varnum)
 
 #define VARNUM_MEMBERS(X)             \
-  X(ConvertINT2OIDToSQLT_VNU, No)     \
-  X(ConvertINT4OIDToSQLT_VNU, No)     \
-  X(ConvertINT8OIDToSQLT_VNU, Yes)
+  X(ConvertINT2OIDToSQLT_VNU, sb2, No)    \
+  X(ConvertINT4OIDToSQLT_VNU, sb4, No)    \
+  X(ConvertINT8OIDToSQLT_VNU, sb8, Yes)
 // clang-format on
 #define DEFINE_NUMBER(name, print, rule)              \
   extern "C" sword name(FETCH_PARAMS) {               \
     using namespace zev;                              \
     return fetchNumber<print, rule>(FETCH_ARGUMENTS); \
   }
-#define DEFINE_VARNUM(name, clear)                               \
-  extern "C" sword name(FETCH_PARAMS) {                          \
-    return zev::fetchVarnum<zev::Clear::clear>(FETCH_ARGUMENTS); \
+#define DEFINE_VARNUM(name, Wire, clear)                               \
+  extern "C" sword name(FETCH_PARAMS) {                                \
+    return zev::fetchVarnum<Wire, zev::Clear::clear>(FETCH_ARGUMENTS); \
   }
 NUMBER_MEMBERS(DEFINE_NUMBER)
 VARNUM_MEMBERS(DEFINE_VARNUM)

@@ -132,6 +132,27 @@ bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
   return true;
 }
 
+/// The body of SQLT_STR for a text that is converted or cut. `size` counts the NUL of
+/// `source`.
+[[gnu::noinline]] sword fetchEdgeString(OCIError *errhp, const OCIEnv *env,
+                                        const char *source, std::size_t size,
+                                        void *target, ub4 *targetLength) {
+  const EdgeResult converted(env, source, size);
+  if (!converted) return converted.fail(errhp);
+  const std::size_t n = std::min<std::size_t>(converted.size(), *targetLength);
+  copyBytes(target, converted.data(), n);
+  *targetLength = static_cast<ub4>(n);
+  if (converted.size() > n) {
+    const EdgeResult terminator(env, "", 1);
+    if (!terminator) return terminator.fail(errhp);
+    if (!terminateCut(static_cast<char *>(target), n, terminator.view())) {
+      return fail(errhp, 1460);
+    }
+  }
+  *targetLength = static_cast<ub4>(std::strlen(source));
+  return 0;
+}
+
 }  // namespace
 }  // namespace zev
 
@@ -166,28 +187,15 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
     return zev::deliverNull(errhp, indicator, returnCode);
   }
   if (format > zev::kFieldBinary) return -1;
-  const ub4 cap = *targetLength;
   const auto *source = value ? static_cast<const char *>(value) : "";
   const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
   // The NUL behind the field is part of what is delivered. Where it fits as it stands,
   // that is all there is to do.
-  if (length < cap && !environment.converts()) {
-    zev::copyBytes(target, source, length + 1);
-    *targetLength = static_cast<ub4>(std::strlen(source));
-    return 0;
+  if (length >= *targetLength || environment.converts()) [[unlikely]] {
+    return zev::fetchEdgeString(errhp, environment.env, source, length + 1, target,
+                                targetLength);
   }
-  const zev::EdgeResult converted(environment.env, source, length + 1);
-  if (!converted) return converted.fail(errhp);
-  const std::size_t n = std::min<std::size_t>(converted.view().size(), cap);
-  zev::copyBytes(target, converted.view().data(), n);
-  *targetLength = static_cast<ub4>(n);
-  if (converted.view().size() > n) {
-    const zev::EdgeResult terminator(environment.env, "", 1);
-    if (!terminator) return terminator.fail(errhp);
-    if (!zev::terminateCut(static_cast<char *>(target), n, terminator.view())) {
-      return zev::fail(errhp, 1460);
-    }
-  }
+  std::memcpy(target, source, length + 1);
   *targetLength = static_cast<ub4>(std::strlen(source));
   return 0;
 }

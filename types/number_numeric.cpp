@@ -101,7 +101,7 @@ int mantissaOf(const numeric &v, bool positive, ub1 *out) {
     put(v.digits[i] % 100);
   }
   const ub1 zero = positive ? 1 : 101;
-  while (count > 0 && out[count - 1] == zero) --count;
+  while (count > 0 && out[count - 1] == zero) out[--count] = 0;
   return count;
 }
 

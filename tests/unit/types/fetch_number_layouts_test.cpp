@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(FloatPadded, FetchNumberLayouts, testing::Values(
     FetchCase{"ExactFit",                   kFloat4, kChr, 0, "1.5",   3, "1.5",              3},
     FetchCase{"TruncationIsRecorded",       kFloat4, kAfc, 0, "12.345", 4, "12.3",            4, 2, 1406, 0},
     FetchCase{"WithoutIndicator",           kFloat8, kLng, 0, "12.345", 4, "12.3",            4, kNoIndicator, 1406, 0},
-    FetchCase{"Float4Binary",               kFloat4, kChr, 1, network(12.25f), 10, "21.52     ", 5},
+    FetchCase{"Float4Binary",               kFloat4, kChr, 1, network(12.25f), 10, "21.000052 ", 9},
     FetchCase{"Float4BinaryTooShort",       kFloat4, kChr, 1, "123",   3, "~~~",              3, 0, kNoRecord, -1},
     FetchCase{"Float8BinaryOfFourBytes",    kFloat8, kAfc, 1, "1234",  3, "~~~",              3, 0, kNoRecord, -1},
     FetchCase{"EmptyTextIsNull",            kFloat4, kLng, 0, "",      3, "~~~",              3, -1, kNoRecord, 0, 1405}),

@@ -81,11 +81,11 @@ INSTANTIATE_TEST_SUITE_P(Binary, FetchStringValue, testing::Values(
     StringCase{"Int2InOrder",              kInt2,    1, network<sb2>(-123), 6, "-123\0~"s,    4},
     StringCase{"Int2TruncatedField",       kInt2,    1, network<sb2>(0x4142), 4, "AB~\0"s,    3, 2, 1406, 1},
     StringCase{"Int4InOrder",              kInt4,    1, network<sb4>(-123), 6, "-123\0~"s,    4},
-    StringCase{"Int4TruncatedField",       kInt4,    1, network<sb4>(0x41424344), 4, "ABC\0"s, 3, 8, 1406, 1},
+    StringCase{"Int4TruncatedField",       kInt4,    1, network<sb4>(0x41424344), 4, "ABC\0"s, 3, 7, 1406, 1},
     StringCase{"Int8Reversed",             kInt8,    1, network<sb8>(123), 5, "321\0~"s,      3},
     StringCase{"Int8TruncatedText",        kInt8,    1, network<sb8>(12345), 4, "543\0"s,     3, 2, 1406, 1},
-    StringCase{"Float4",                   kFloat4,  1, network(12.5f), 6, "21.5\0~"s,        4},
-    StringCase{"Float8TruncatedField",     kFloat8,  1, "ABCDEFGH", 4, "~~~~",               99, 0, kNoRecord, -1},
+    StringCase{"Float4",                   kFloat4,  1, network(12.5f), 11, "21.000005\0~"s, 9},
+    StringCase{"Float8Beyond",             kFloat8,  1, network(1e300), 4, "~~~~",               99, 0, kNoRecord, -1},
     StringCase{"Int2TooShort",             kInt2,    1, "1",    3, "~~~",                    99, 0, kNoRecord, -1},
     StringCase{"NumericTooShort",          kNumeric, 1, "1234567", 3, "~~~",                 99, 0, kNoRecord, -1}));
 // clang-format on
