@@ -9,6 +9,7 @@
 #include "model/values.h"
 #include "types/conversion_tables.h"
 #include "types_fixture.h"
+#include "zevoci/lob_locator.h"
 #include "zevoci/string_value.h"
 
 namespace zevtest {
@@ -152,8 +153,7 @@ std::vector<ub4> sizesFor(const Call &call) {
 
 std::vector<model::Environment> environmentsFor(Oid row) {
   std::vector<model::Environment> all{{true, false}, {false, false}};
-  const bool isText = row == TEXTOID || row == zev::kBpcharOid || row == zev::kVarcharOid;
-  if (isText) all.push_back({true, true});
+  if (model::isCharacterRow(row)) all.push_back({true, true});
   return all;
 }
 
@@ -257,6 +257,43 @@ TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
   });
 }
 
+/// Members that have no null rule, or skip it in large targets.
+bool needsAValue(const Pair &pair) {
+  const bool isNumber = pair.dty == SQLT_NUM || pair.dty == SQLT_VNU;
+  return pair.dty == SQLT_RSET || (pair.oid == NUMERICOID && isNumber) ||
+         (model::isCharacterRow(pair.oid) && pair.dty == SQLT_NUM);
+}
+
+TEST_P(MatrixTest, ANullPointerIsANullValue) {
+  calls_ = 1;
+  if (needsAValue(GetParam())) return;
+  for (const ub4 cap : {4u, 8u, 30u}) {
+    for (const ub1 format : {ub1{0}, ub1{1}}) {
+      for (const bool indicator : {true, false}) {
+        const bool noLength = model::isCharacterRow(GetParam().oid);
+        const Call call{.oid = GetParam().oid,
+                        .dty = GetParam().dty,
+                        .format = format,
+                        .value = noLength ? "" : "12345678",
+                        .cap = cap,
+                        .indicator = indicator,
+                        .stringSize = 8,
+                        .nullPointer = true};
+        const auto expected = model::predict(call);
+        ASSERT_TRUE(expected.has_value());
+        Session &session = sessions_.of(call.env);
+        const std::size_t room = std::max(expected->target.size(), expected->text.size());
+        Target target(call, room);
+        const sword result = converterOf(GetParam())(
+            session.errhp, nullptr, static_cast<sb4>(call.value.size()), format,
+            target.address(), target.length(), target.indicator(), target.returnCode());
+        const Outcome seen = target.seen(result, session.takeRecord());
+        if (!agree(*expected, seen, room)) mismatch(call, *expected, seen);
+      }
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPairs()),
                          [](const auto &row) { return model::nameOf(row.param); });
 
@@ -323,6 +360,56 @@ TEST(Matrix, TheIndicatorIsClearedButByTheMembersThatLeaveItAlone) {
     }
   }
 }
+
+/// One number of a large object, as a field, and what becomes of it.
+struct LargeObject {
+  const char *name;
+  std::string value;
+  ub1 format;
+  ub4 cap;
+  HandleTag tag;
+  Oid stored;  ///< 77 where nothing is
+  sword result;
+  int record;
+  int indicator;
+};
+
+static_assert(HANDLE_OCILobLocator == 19);
+
+class LargeObjectTest : public testing::TestWithParam<LargeObject> {};
+
+TEST_P(LargeObjectTest, TheNumberGoesIntoTheLocator) {
+  const LargeObject &c = GetParam();
+  Session session;
+  OCILobLocator locator{};
+  locator.handleType = c.tag;
+  locator.loOid = 77;
+  OCILobLocator *pointer = &locator;
+  ub4 length = c.cap;
+  sb2 indicator = 0;
+  const auto value = exactCopy(c.value + '\0');
+  const FromServerConverter convert = converterOf({OIDOID, SQLT_BLOB});
+  ASSERT_NE(convert, nullptr);
+  EXPECT_EQ(convert(session.errhp, value.get(), static_cast<sb4>(c.value.size()),
+                    c.format, &pointer, &length, &indicator, nullptr),
+            c.result);
+  EXPECT_EQ(locator.loOid, c.stored);
+  EXPECT_EQ(indicator, c.indicator);
+  EXPECT_EQ(session.takeRecord(), c.record);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(OidOid, LargeObjectTest, testing::Values(
+    LargeObject{"Text",              "16384",             0, 8, HANDLE_OCILobLocator, 16384,      0,  0,    0},
+    LargeObject{"LargestText",       "4294967295",        0, 8, HANDLE_OCILobLocator, 4294967295, 0,  0,    0},
+    LargeObject{"TextEndsAtLetter",  "12x",               0, 8, HANDLE_OCILobLocator, 12,         0,  0,    0},
+    LargeObject{"Binary",            "\x01\x02\x03\x04", 1, 8, HANDLE_OCILobLocator, 0x01020304, 0,  0,    0},
+    LargeObject{"OtherFormat",       "16384",             2, 8, HANDLE_OCILobLocator, 77,         -1, 0,    0},
+    LargeObject{"NothingWanted",     "16384",             0, 0, HANDLE_OCILobLocator, 77,         0,  0,    0},
+    LargeObject{"Null",              "",                  0, 8, HANDLE_OCILobLocator, 77,         0,  0,    -1},
+    LargeObject{"NotALocator",       "16384",             0, 8, HANDLE_OCIError,      77,         -1, 1733, 0}),
+    [](const auto &row) { return row.param.name; });
+// clang-format on
 
 TEST(Matrix, AllOfTheTableIsModelledButDatesAndLargeObjects) {
   std::vector<std::string> inTable, modelled;

@@ -24,7 +24,8 @@ std::string Run::cText() const {
 }
 
 bool Run::isNull() const {
-  return call.value.empty() || (call.format == 0 && call.value[0] == '\0');
+  return call.nullPointer || call.value.empty() ||
+         (call.format == 0 && call.value[0] == '\0');
 }
 
 Outcome Run::returns(sword result) {

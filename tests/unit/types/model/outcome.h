@@ -31,6 +31,7 @@ struct Call {
   bool returnCode = true;
   Environment env;
   ub4 stringSize = 0;
+  bool nullPointer = false;  ///< no value at all, whatever `value` says of its length
 };
 
 /// Bytes that a member may be seen to write, for a target of `call.cap` bytes.
