@@ -10,12 +10,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-
 bool isSingle(const Run &run) {
   return run.call.oid == FLOAT4OID;
 }

@@ -12,15 +12,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-long sizeOf(const string &text) {
-  return static_cast<long>(text.size());
-}
-
 /// The null rule; most members of the row clear the length for it, and none tells which.
 Outcome null(Run &run) {
   Outcome outcome = run.nullRule();
@@ -44,7 +35,7 @@ Outcome str(Run &run, const string &text) {
 }
 
 Outcome lng(Run &run, const string &text) {
-  const long n = std::min(run.cap, sizeOf(text));
+  const long n = std::min(run.cap, sizeOf(text)) & 0xFFFF;
   run.put(0, head(text, n));
   run.setLength(n);
   return run.returns(0);

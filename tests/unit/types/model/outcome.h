@@ -81,6 +81,13 @@ class Run {
   Outcome out;
 };
 
+/// A single NUL.
+inline const std::string kNul(1, '\0');
+inline long sizeOf(const std::string &text) {
+  return static_cast<long>(text.size());
+}
+/// As much of `text` as `room` bytes hold; none for a negative room.
+std::string head(const std::string &text, long room);
 /// The low `width` bytes of `value` in native order; a native length prefix too.
 std::string native(long long value, int width);
 std::string nativeFloat(double value);
