@@ -60,29 +60,60 @@ void traceBytes(const char *label, const void *data, sb4 length) {
 
 }  // namespace
 
-extern "C" sb4 CompareConversionFunctionEntry(const ConversionEntry *e, sb4 firstKey,
-                                              sb4 secondKey) {
-  const auto first = static_cast<sb4>(e->firstKey);
-  const auto second = static_cast<sb4>(e->secondKey);
+namespace {
+
+sb4 order(const ConversionEntry &e, sb4 firstKey, sb4 secondKey) {
+  const auto first = static_cast<sb4>(e.firstKey);
+  const auto second = static_cast<sb4>(e.secondKey);
   if (first != firstKey) return first > firstKey ? 2 : -2;
   return (second > secondKey) - (second < secondKey);
 }
 
-extern "C" Converter GetConversionFunctionInternal(ub4 firstKey, ub4 secondKey,
-                                                   const ConversionEntry *table, sb4 low,
-                                                   sb4 high) {
+/// The row of a fetched pair, or -1.
+sb4 findFromServer(Oid pgType, ub2 ociType, PGconn *conn) {
+  Oid oid = aliasOf(pgType);
+  if (IsValidPQDataType(oid) != 0) {
+    if (!isRawType(conn, oid)) return -1;
+    oid = zev::kRawOid;
+  }
+  if (IsValidOCIDataType(ociType) != 0) return -1;
+  return zev::findConversion(oid, ociType, PQToOCIConversionFunctions, 0,
+                             kFromServerEntries - 1);
+}
+
+}  // namespace
+
+sb4 zev::findConversion(ub4 firstKey, ub4 secondKey, const ConversionEntry *table,
+                        sb4 low, sb4 high) {
   while (low <= high) {
     const sb4 middle = (low + high) >> 1;
-    const sb4 order = CompareConversionFunctionEntry(
-        &table[middle], static_cast<sb4>(firstKey), static_cast<sb4>(secondKey));
-    if (order == 0) return table[middle].converter;
-    if (order > 0) {
+    const sb4 sign =
+        order(table[middle], static_cast<sb4>(firstKey), static_cast<sb4>(secondKey));
+    if (sign == 0) return middle;
+    if (sign > 0) {
       high = middle - 1;
     } else {
       low = middle + 1;
     }
   }
-  return {};
+  return -1;
+}
+
+ColumnConversion zev::conversionOf(Oid pgType, ub2 ociType, PGconn *conn) {
+  const sb4 row = findFromServer(pgType, ociType, conn);
+  return {row < 0 ? nullptr : kGuardedConverters[row], pgType, ociType};
+}
+
+extern "C" sb4 CompareConversionFunctionEntry(const ConversionEntry *e, sb4 firstKey,
+                                              sb4 secondKey) {
+  return order(*e, firstKey, secondKey);
+}
+
+extern "C" Converter GetConversionFunctionInternal(ub4 firstKey, ub4 secondKey,
+                                                   const ConversionEntry *table, sb4 low,
+                                                   sb4 high) {
+  const sb4 row = zev::findConversion(firstKey, secondKey, table, low, high);
+  return row < 0 ? Converter{} : table[row].converter;
 }
 
 extern "C" sword IsOCIToPQConversionPossible(ub2 ociType, Oid pgType,
@@ -99,15 +130,8 @@ extern "C" sword IsOCIToPQConversionPossible(ub2 ociType, Oid pgType,
 
 extern "C" FromServerConverter findPQToOCIConversion(Oid pgType, ub2 ociType,
                                                      PGconn *conn) {
-  Oid oid = aliasOf(pgType);
-  if (IsValidPQDataType(oid) != 0) {
-    if (!isRawType(conn, oid)) return nullptr;
-    oid = zev::kRawOid;
-  }
-  if (IsValidOCIDataType(ociType) != 0) return nullptr;
-  return GetConversionFunctionInternal(oid, ociType, PQToOCIConversionFunctions, 0,
-                                       kFromServerEntries - 1)
-      .fromServer;
+  const sb4 row = findFromServer(pgType, ociType, conn);
+  return row < 0 ? nullptr : PQToOCIConversionFunctions[row].converter.fromServer;
 }
 
 sword zev::convertBound(OCIError *errhp, ToServerConverter convert, Oid pgType,

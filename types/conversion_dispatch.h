@@ -51,11 +51,9 @@ struct FieldTarget {
   ub2 *returnCode;
 };
 
-/// Looks the converter of a column up. `conn` is asked about an unknown OID; null asks
-/// nobody.
-inline ColumnConversion conversionOf(Oid pgType, ub2 ociType, PGconn *conn) {
-  return {findPQToOCIConversion(pgType, ociType, conn), pgType, ociType};
-}
+/// Looks the converter of a column up, one that stays inside the program's buffers.
+/// `conn` is asked about an unknown OID; null asks nobody.
+ColumnConversion conversionOf(Oid pgType, ub2 ociType, PGconn *conn);
 
 /// Records 932 with the class names of both types and returns OCI_ERROR.
 sword failInconsistentTypes(OCIError *errhp, Oid pgType, ub2 ociType);

@@ -2,6 +2,7 @@
 
 #include "types/converters.h"
 #include "types/converters_pending.h"
+#include "types/guarded_conversions.h"
 #include "types/server_types.h"
 
 // A pair that is bound: external type, server type, and the names that its converter has.
@@ -49,9 +50,8 @@ extern "C" constexpr ConversionEntry OCIToPQConversionFunctions[kToServerEntries
   BIND(SQLT_TIMESTAMP_LTZ, TIMESTAMPTZOID,      TIMESTAMP_TZ, TIMESTAMPTZOID)
 };
 
-// A pair that is fetched; X and Y name its converter.
-#define CELL(oid, type, X, Y) {oid, type, {.fromServer = Convert##X##ToSQLT_##Y}},
-// A cell whose converter has the name of its type.
+// A pair that is fetched is a CELL(oid, type, X, Y), where X and Y name its converter.
+// This is a cell whose converter has the name of its type.
 #define OWN(oid, X, Y) CELL(oid, SQLT_##Y, X, Y)
 
 // The rows of the matrix by family. A number's SQLT_NUM cell is told apart by the row.
@@ -81,35 +81,43 @@ extern "C" constexpr ConversionEntry OCIToPQConversionFunctions[kToServerEntries
   OWN(oid, TimeX, ODT)  OWN(oid, TimeX, DATE) OWN(oid, TimeX, TIMESTAMP)         \
   OWN(oid, ZoneX, TIMESTAMP_TZ)  CELL(oid, SQLT_TIMESTAMP_LTZ, ZoneX, TIMESTAMP_TZ)
 
-extern "C" constexpr ConversionEntry PQToOCIConversionFunctions[kFromServerEntries] = {
-  BINARY_ROW(   BYTEAOID,       BYTEAOID)
-  NUMBER_ROW(   CHAROID,        CHAROID,    NUM)
-  NUMBER_ROW(   INT8OID,        INT8OID,    NUM)
-  NUMBER_ROW(   INT2OID,        INT2OID,    NUM)
-  NUMBER_ROW(   INT4OID,        INT4OID,    NUM)
-  CHARACTER_ROW(TEXTOID,        TEXTOID)
-  OWN(          OIDOID,         OIDOID,     BLOB)
-  NUMBER_ROW(   FLOAT4OID,      FLOAT4OID,  NUM)
-  NUMBER_ROW(   FLOAT8OID,      FLOAT8OID,  NUM)
-  CHARACTER_ROW(1042,           TEXTOID)
-  CHARACTER_ROW(1043,           TEXTOID)
-  DATE_ROW(     DATEOID,        DATEOID,    TIMESTAMPOID, TIMESTAMPOID)
-  DATE_ROW(     TIMESTAMPOID,   DATEOID,    TIMESTAMPOID, TIMESTAMPOID)
-  DATE_ROW(     TIMESTAMPTZOID, DATEOID,    TIMESTAMPOID, TIMESTAMPTZOID)
-  CELL(         INTERVALOID,    SQLT_INTERVAL_YM, INTERVALOID, INTERVAL_DS)
-  CELL(         INTERVALOID,    SQLT_INTERVAL_DS, INTERVALOID, INTERVAL_DS)
-  NUMBER_ROW(   NUMERICOID,     NUMERICOID, VNU)
-  CELL(         1790,           SQLT_RSET,  TEXTOID,      STR)
+#define FROM_SERVER_ROWS \
+  BINARY_ROW(   BYTEAOID,       BYTEAOID)                                               \
+  NUMBER_ROW(   CHAROID,        CHAROID,    NUM)                                        \
+  NUMBER_ROW(   INT8OID,        INT8OID,    NUM)                                        \
+  NUMBER_ROW(   INT2OID,        INT2OID,    NUM)                                        \
+  NUMBER_ROW(   INT4OID,        INT4OID,    NUM)                                        \
+  CHARACTER_ROW(TEXTOID,        TEXTOID)                                                \
+  OWN(          OIDOID,         OIDOID,     BLOB)                                       \
+  NUMBER_ROW(   FLOAT4OID,      FLOAT4OID,  NUM)                                        \
+  NUMBER_ROW(   FLOAT8OID,      FLOAT8OID,  NUM)                                        \
+  CHARACTER_ROW(1042,           TEXTOID)                                                \
+  CHARACTER_ROW(1043,           TEXTOID)                                                \
+  DATE_ROW(     DATEOID,        DATEOID,    TIMESTAMPOID, TIMESTAMPOID)                 \
+  DATE_ROW(     TIMESTAMPOID,   DATEOID,    TIMESTAMPOID, TIMESTAMPOID)                 \
+  DATE_ROW(     TIMESTAMPTZOID, DATEOID,    TIMESTAMPOID, TIMESTAMPTZOID)               \
+  CELL(         INTERVALOID,    SQLT_INTERVAL_YM, INTERVALOID, INTERVAL_DS)             \
+  CELL(         INTERVALOID,    SQLT_INTERVAL_DS, INTERVALOID, INTERVAL_DS)             \
+  NUMBER_ROW(   NUMERICOID,     NUMERICOID, VNU)                                        \
+  CELL(         1790,           SQLT_RSET,  TEXTOID,      STR)                          \
   BINARY_ROW(   12487,          BYTEAOID)
-};
 // clang-format on
 
+#define CELL(oid, type, X, Y) {oid, type, {.fromServer = Convert##X##ToSQLT_##Y}},
+extern "C" constexpr ConversionEntry PQToOCIConversionFunctions[kFromServerEntries] = {
+    FROM_SERVER_ROWS};
+#undef CELL
+#define CELL(oid, type, X, Y) zev::kGuarded<Convert##X##ToSQLT_##Y>,
+constexpr FromServerConverter zev::kGuardedConverters[kFromServerEntries] = {
+    FROM_SERVER_ROWS};
+#undef CELL
+
+#undef FROM_SERVER_ROWS
 #undef DATE_ROW
 #undef BINARY_ROW
 #undef CHARACTER_ROW
 #undef NUMBER_ROW
 #undef OWN
-#undef CELL
 #undef BIND
 
 namespace {

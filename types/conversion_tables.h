@@ -36,3 +36,15 @@ ZEV_HELPER Converter GetConversionFunctionInternal(ub4 firstKey, ub4 secondKey,
 ZEV_HELPER sb4 CompareConversionFunctionEntry(const ConversionEntry *e, sb4 firstKey,
                                               sb4 secondKey);
 }
+
+namespace zev {
+
+/// For each entry of PQToOCIConversionFunctions the converter to run on memory of the
+/// program, which stays inside it; null where the entry is.
+extern const FromServerConverter kGuardedConverters[kFromServerEntries];
+
+/// The index of a pair in a sorted table, or -1.
+sb4 findConversion(ub4 firstKey, ub4 secondKey, const ConversionEntry *table, sb4 low,
+                   sb4 high);
+
+}  // namespace zev
