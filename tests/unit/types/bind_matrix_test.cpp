@@ -3,6 +3,7 @@
 #include "model/bind_model.h"
 #include "model/pairs.h"
 #include "model/texts.h"
+#include "types/conversion_tables.h"
 #include "types_fixture.h"
 #include "zevoci/string_value.h"
 

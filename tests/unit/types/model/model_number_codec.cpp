@@ -120,4 +120,59 @@ std::optional<std::string> toVarnum(const std::string &text) {
   return static_cast<char>(number.size()) + number;
 }
 
+namespace {
+
+int byteAt(const std::string &bytes, std::size_t i) {
+  return static_cast<unsigned char>(bytes[i]);
+}
+
+std::string twoDigits(int d) {
+  return (d < 10 ? "0" : "") + std::to_string(d);
+}
+
+std::string withExponent(const std::string &text, int exponentByte) {
+  const int e = exponentByte & 0x80 ? exponentByte - 192 : 63 - exponentByte;
+  const int power = static_cast<signed char>(2 * e);
+  return power == 0 ? text : text + "E" + std::to_string(power);
+}
+
+}  // namespace
+
+std::optional<std::string> varnumText(const std::string &varnum) {
+  const int length = byteAt(varnum, 0);
+  if (length < 1 || length > 21) return std::nullopt;
+  const int exponent = byteAt(varnum, 1);
+  const bool positive = exponent & 0x80;
+  if (length == 1) {
+    if (exponent != 0x80) return std::nullopt;
+    return "0.0";
+  }
+  std::string text = positive ? "0." : "-0.";
+  for (int i = 2; i <= length; ++i) {
+    const int byte = byteAt(varnum, static_cast<std::size_t>(i));
+    if (positive && (byte == 0 || byte > 101)) return std::nullopt;
+    if (!positive && byte == 102) {
+      if (i != length) return std::nullopt;
+      break;
+    }
+    if (!positive && byte == 0) break;
+    if (!positive && byte > 101) return std::nullopt;
+    text += twoDigits(positive ? byte - 1 : 101 - byte);
+  }
+  return withExponent(text, exponent);
+}
+
+std::optional<std::string> numberText(const std::string &number) {
+  const int exponent = byteAt(number, 0);
+  const bool positive = exponent & 0x80;
+  std::string text = positive ? "0." : "-0.";
+  for (std::size_t i = 1; i <= 20; ++i) {
+    const int byte = byteAt(number, i);
+    if (byte > (positive ? 101 : 102)) return std::nullopt;
+    if (byte == 0 || byte == 102) break;
+    text += twoDigits(positive ? byte - 1 : 101 - byte);
+  }
+  return withExponent(text, exponent);
+}
+
 }  // namespace zevtest::model

@@ -35,8 +35,12 @@ std::optional<std::string> dtostr(int precision, bool trim, double x) {
   double whole = 0;
   const double fraction = std::modf(std::fabs(x), &whole);
   const double scale = std::pow(10.0, precision);
-  const double rounded = std::floor(fraction * scale + 0.5);
+  double rounded = std::floor(fraction * scale + 0.5);
   if (rounded == scale && whole == 0) return std::nullopt;
+  if (rounded == scale) {
+    whole += 1;
+    rounded = 0;
+  }
   if (whole >= 9223372036854775808.0) return std::nullopt;
   std::string text = negative ? "-" : "";
   text += i64toa(static_cast<long long>(whole));

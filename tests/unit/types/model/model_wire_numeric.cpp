@@ -121,6 +121,28 @@ WireNumeric wireOf(const std::string &text) {
   return v;
 }
 
+WireNumeric wireOfScientific(const std::string &text) {
+  const auto e = text.find_first_of("eE");
+  if (e == text.npos) return wireOf(text);
+  int shift = std::atoi(text.c_str() + e + 1);
+  std::string plain = text.substr(0, e);
+  const std::string sign = plain[0] == '-' ? "-" : "";
+  plain.erase(0, sign.size());
+  const auto point = plain.find('.');
+  const int fraction =
+      point == plain.npos ? 0 : static_cast<int>(plain.size() - point) - 1;
+  if (point != plain.npos) plain.erase(point, 1);
+  shift -= fraction;
+  if (shift >= 0) {
+    plain += std::string(static_cast<std::size_t>(shift), '0');
+  } else {
+    const auto behind = static_cast<std::size_t>(-shift);
+    if (plain.size() < behind) plain = std::string(behind - plain.size(), '0') + plain;
+    plain.insert(plain.size() - behind, ".");
+  }
+  return wireOf(sign + plain);
+}
+
 std::string printed(const WireNumeric &v, int dscale) {
   dscale = std::max(dscale, 0);
   if (v.sign & 0x8000) return "NaN";

@@ -80,17 +80,23 @@ bool isDatePair(const Pair &pair) {
 
 std::vector<Pair> modelledPairs() {
   std::vector<Pair> pairs;
-  for (const ConversionEntry &entry : PQToOCIConversionFunctions) {
-    const Pair pair{entry.firstKey, static_cast<ub2>(entry.secondKey)};
-    if (!isDatePair(pair) && pair.dty != SQLT_BLOB) pairs.push_back(pair);
-  }
+  const auto addRow = [&](Oid oid, std::initializer_list<ub2> targets) {
+    for (const ub2 dty : targets) pairs.push_back({oid, dty});
+  };
+  const std::initializer_list<ub2> binary = {1, 5, 8, 9, 15, 23, 24, 94, 95, 96, 97, 155};
+  const std::initializer_list<ub2> numbers = {1,  2,  3,  4,  5,  6,  8,  9,
+                                              21, 22, 68, 94, 96, 97, 155};
+  const std::initializer_list<ub2> characters = {1,  2,  3,  4,  5,  6,  8,  9,  15, 21,
+                                                 22, 23, 24, 68, 94, 95, 96, 97, 155};
+  addRow(17, binary);
+  for (const Oid oid : {18, 20, 21, 23}) addRow(oid, numbers);
+  addRow(25, characters);
+  for (const Oid oid : {700, 701}) addRow(oid, numbers);
+  for (const Oid oid : {1042, 1043}) addRow(oid, characters);
+  addRow(1700, numbers);
+  addRow(1790, {116});
+  addRow(12487, binary);
   return pairs;
-}
-
-FromServerConverter converterOf(const Pair &pair) {
-  return GetConversionFunctionInternal(pair.oid, pair.dty, PQToOCIConversionFunctions, 0,
-                                       kFromServerEntries - 1)
-      .fromServer;
 }
 
 }  // namespace zevtest::model

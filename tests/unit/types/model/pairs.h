@@ -1,13 +1,12 @@
 /// The pairs of the fetch matrix that the model covers, and their names.
 #pragma once
 
+#include <libpq-fe.h>
 #include <oci.h>
 
 #include <iosfwd>
 #include <string>
 #include <vector>
-
-#include "types/conversion_tables.h"
 
 namespace zevtest::model {
 
@@ -22,9 +21,7 @@ std::string nameOf(const Pair &pair);
 void PrintTo(const Pair &pair, std::ostream *out);
 /// Whether the pair converts dates, times or intervals.
 bool isDatePair(const Pair &pair);
-/// All pairs of the table but those of dates and of large objects.
+/// All fetched pairs but those of dates and of large objects, row by row.
 std::vector<Pair> modelledPairs();
-/// The table's converter, null while it is not there.
-FromServerConverter converterOf(const Pair &pair);
 
 }  // namespace zevtest::model

@@ -37,5 +37,8 @@ long long truncated(double x);
 /// Decimal text to the two forms of a number; nothing for bad text.
 std::optional<std::string> toNumber(const std::string &text);
 std::optional<std::string> toVarnum(const std::string &text);
+/// A NUMBER, or a VARNUM, as "0.xxxxEn"; nothing for a bad encoding.
+std::optional<std::string> numberText(const std::string &number);
+std::optional<std::string> varnumText(const std::string &varnum);
 
 }  // namespace zevtest::model

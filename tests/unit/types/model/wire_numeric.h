@@ -25,6 +25,8 @@ std::string toWire(const WireNumeric &v, bool networkOrder = true);
 /// The record of a plain decimal text such as "-12.50" or "NaN", without zero digits at
 /// its ends.
 WireNumeric wireOf(const std::string &text);
+/// The same for texts with an exponent of ten.
+WireNumeric wireOfScientific(const std::string &text);
 
 /// In decimal with `dscale` digits behind the point, rounded half up in magnitude.
 std::string printed(const WireNumeric &v, int dscale);
