@@ -137,7 +137,7 @@ enum class Byte { Digit, End, Bad };
 template <Form Rule>
 Byte classify(ub1 byte, bool negative, bool last) {
   if constexpr (Rule == Form::Number) {
-    if (byte == 0 || byte == 102) return Byte::End;
+    if (byte == 0 || (negative && byte == 102)) return Byte::End;
     return byte > 101 ? Byte::Bad : Byte::Digit;
   } else {
     if (byte == 0) return negative ? Byte::End : Byte::Bad;

@@ -7,6 +7,8 @@
 #include "types/server_types.h"
 #include "zevoci/conversion.h"
 #include "zevoci/errors.h"
+#include "zevoci/lob_locator.h"
+#include "zevoci/string_value.h"
 
 namespace {
 
@@ -25,9 +27,8 @@ enum Flag : std::uint8_t {
 constexpr Oid kOids[] = {17,   18,   20,   21,   23,    25,    26,
                          700,  701,  705,  1042, 1043,  1082,  1114,
                          1184, 1186, 1700, 1790, 12487, 12502, 99999};
-/// External types whose target is plain bytes.
-constexpr ub2 kTypes[] = {1,  2,  3,  4,  5,  6,  8,  9,  12, 15,
-                          21, 22, 23, 24, 68, 94, 95, 96, 97, 13};
+constexpr ub2 kTypes[] = {1,  2,  3,  4,  5,  6,  8,   9,   12,  15,  21,  22,  23,  24,
+                          68, 94, 95, 96, 97, 13, 113, 116, 155, 156, 184, 187, 188, 232};
 
 OCIError *errorHandle(ub4 mode) {
   OCIEnv *env = nullptr;
@@ -37,22 +38,57 @@ OCIError *errorHandle(ub4 mode) {
   return static_cast<OCIError *>(errhp);
 }
 
-/// Bytes that members write behind the target by design: the NUL of a text without room.
-std::size_t slackOf(Oid oid, ub2 dty) {
-  const bool behind = oid == INT4OID || oid == INT8OID || oid == NUMERICOID;
-  return behind && dty == SQLT_STR ? 1 : 0;
+/// A NUL stands behind the target where a text fills it.
+std::size_t slackOf(ub2 dty) {
+  return dty == SQLT_STR || dty == SQLT_AVC ? 1 : 0;
 }
+
+/// What a field is fetched into: bytes, or the address of something that holds them.
+class Target {
+ public:
+  Target(OCIError *errhp, ub2 dty, ub4 cap)
+      : bytes_(new char[cap + 1]), plain_(new char[cap + slackOf(dty)]) {
+    string_ = {cap, 0, reinterpret_cast<OraText *>(bytes_.get())};
+    locator_.reset(Alloc_OCILobLocator());
+    pointer_ = &string_;
+    if (dty == SQLT_BLOB) pointer_ = locator_.get();
+    if (dty != SQLT_RSET) return;
+    OCIHandleAlloc(errhp->parenth, &statement_, OCI_HTYPE_STMT, 0, nullptr);
+  }
+  ~Target() {
+    if (statement_) OCIHandleFree(statement_, OCI_HTYPE_STMT);
+  }
+  Target(const Target &) = delete;
+  Target &operator=(const Target &) = delete;
+
+  void *address(ub2 dty) {
+    if (dty == SQLT_RSET) return statement_;
+    return dty == SQLT_VST || dty == SQLT_BLOB ? &pointer_
+                                               : static_cast<void *>(plain_.get());
+  }
+
+ private:
+  struct Free {
+    void operator()(OCILobLocator *locator) const { Free_OCILobLocator(locator); }
+  };
+  std::unique_ptr<char[]> bytes_;  // a string has room for a NUL behind its size
+  std::unique_ptr<char[]> plain_;
+  std::unique_ptr<OCILobLocator, Free> locator_;
+  OCIString string_;
+  void *pointer_ = nullptr;
+  void *statement_ = nullptr;
+};
 
 void fetch(OCIError *errhp, const Fetch &f, const char *value, sb4 length) {
   const Oid oid = kOids[f.oid % std::size(kOids)];
   const ub2 dty = kTypes[f.dty % std::size(kTypes)];
   const ub4 cap = f.cap % 600;
-  const std::unique_ptr<char[]> target(new char[cap + slackOf(oid, dty)]);
+  Target target(errhp, dty, cap);
   ub4 targetLength = cap;
   sb2 indicator = 0;
   ub2 returnCode = 0;
-  PQ2OCIType(errhp, oid, value, length, f.format % 3, dty, target.get(), &targetLength,
-             f.flags & kIndicator ? &indicator : nullptr,
+  PQ2OCIType(errhp, oid, value, length, f.format % 3, dty, target.address(dty),
+             &targetLength, f.flags & kIndicator ? &indicator : nullptr,
              f.flags & kReturnCode ? &returnCode : nullptr, 0);
   ClearErrorHandle(errhp);
 }

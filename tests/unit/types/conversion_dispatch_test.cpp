@@ -190,11 +190,20 @@ TEST_F(FromServer, UntypedLiteralsAreText) {
   EXPECT_STREQ(target, "abc");
 }
 
+TEST_F(FromServer, RawFetchedAsBytesIsABytea) {
+  for (const Oid oid : {12487u, 12501u, 12502u}) {
+    EXPECT_EQ(findPQToOCIConversion(oid, SQLT_BIN, nullptr), ConvertBYTEAOIDToSQLT_BIN);
+  }
+  EXPECT_EQ(fetch(12502, "\\xDEAD", SQLT_BIN), 0);
+  EXPECT_EQ(std::string(target, length), "\xDE\xAD");
+}
+
 TEST_F(FromServer, AliasesOfRawHaveItsRow) {
   for (const ub2 type : {1, 5, 8, 9, 15, 23, 24, 94, 95, 96, 97, 155}) {
     const auto raw =
         GetConversionFunctionInternal(12487, type, PQToOCIConversionFunctions, 0, 249)
             .fromServer;
+    EXPECT_NE(raw, nullptr);
     EXPECT_EQ(findPQToOCIConversion(12487, type, nullptr), raw);
     EXPECT_EQ(findPQToOCIConversion(12501, type, nullptr), raw);
     EXPECT_EQ(findPQToOCIConversion(12502, type, nullptr), raw);

@@ -150,6 +150,7 @@ TEST_F(ConversionOnServer, RawTypeOfAnotherNumberHasTheRowOfRaw) {
     EXPECT_EQ(findPQToOCIConversion(oid, type, conn),
               findPQToOCIConversion(12487, type, nullptr));
   }
+  EXPECT_EQ(findPQToOCIConversion(oid, SQLT_BIN, conn), ConvertBYTEAOIDToSQLT_BIN);
   EXPECT_EQ(findPQToOCIConversion(oid, SQLT_BIN, nullptr), nullptr);
   run("ROLLBACK");
 }

@@ -1,6 +1,7 @@
 #include "types_fixture.h"
 
 #include "zevoci/conversion.h"
+#include "zevoci/string_value.h"
 
 namespace {
 
@@ -47,6 +48,30 @@ void zevtest::expectDirectFetch(Session &session, const FetchCase &c) {
   const FromServerConverter convert = findPQToOCIConversion(c.oid, c.dty, nullptr);
   ASSERT_NE(convert, nullptr);
   expectFetchBy(convert, session, c);
+}
+
+void zevtest::expectStringFetch(Session &session, const StringFetchCase &c) {
+  SCOPED_TRACE(c.name);
+  const auto text = guarded(c.size + 1);
+  const auto value = exactCopy(c.value + '\0');
+  OCIString string{c.size, 9, reinterpret_cast<OraText *>(text.get())};
+  OCIString *target = &string;
+  ub4 length = c.cap;
+  sb2 indicator = 77;
+  ub2 returnCode = 77;
+  const bool hasIndicator = c.indicator != kNoIndicator;
+  const sword result = PQ2OCIType(
+      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
+      SQLT_VST, &target, &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
+  EXPECT_EQ(result, c.result);
+  EXPECT_EQ(std::string(text.get(), c.size + 1), c.bytes);
+  EXPECT_EQ(string.length, c.length);
+  EXPECT_EQ(length, c.cap);
+  if (hasIndicator) {
+    EXPECT_EQ(indicator, static_cast<sb2>(c.indicator));
+  }
+  EXPECT_EQ(returnCode, c.returnCode);
+  EXPECT_EQ(session.takeRecord(), c.code);
 }
 
 void zevtest::expectBind(Session &session, const BindCase &c) {

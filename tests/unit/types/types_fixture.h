@@ -120,6 +120,23 @@ struct FetchCase {
   int returnCode = 0;
 };
 
+/// One fetch into a string value of `size` bytes. `bytes` is the string's whole room and
+/// one byte more, `length` its length afterwards, 9 where it was not set.
+struct StringFetchCase {
+  const char *name;
+  Oid oid;
+  ub1 format;
+  std::string value;
+  ub4 cap;
+  ub4 size;
+  std::string bytes;
+  ub4 length;
+  int indicator = 0;
+  int code = kNoRecord;
+  sword result = 0;
+  int returnCode = 0;
+};
+
 /// One bind. A missing buffer is told by `isNull`.
 struct BindCase {
   const char *name;
@@ -141,6 +158,9 @@ std::string nameOf(const testing::TestParamInfo<Case> &info) {
 inline std::ostream &operator<<(std::ostream &out, const FetchCase &c) {
   return out << c.name;
 }
+inline std::ostream &operator<<(std::ostream &out, const StringFetchCase &c) {
+  return out << c.name;
+}
 inline std::ostream &operator<<(std::ostream &out, const BindCase &c) {
   return out << c.name;
 }
@@ -150,6 +170,9 @@ void expectFetch(Session &session, const FetchCase &c);
 /// Runs a fetch through the converter alone, which writes behind the target where its
 /// text or prefix is longer.
 void expectDirectFetch(Session &session, const FetchCase &c);
+/// Runs a fetch into a string value through the dispatcher and compares all that is
+/// visible.
+void expectStringFetch(Session &session, const StringFetchCase &c);
 /// Runs a bind converter and compares all that is visible.
 void expectBind(Session &session, const BindCase &c);
 
