@@ -185,6 +185,15 @@ void forEachCall(const Pair &pair, const Visit &visit) {
   sweep(2, "1");
 }
 
+/// Bytes that a program's buffer of `cap` bytes must have: text that ends in a NUL may
+/// have it behind them.
+std::size_t exactRoom(const Call &call) {
+  if (call.dty == SQLT_VST) return call.stringSize + 1;
+  const bool endsInNul =
+      call.dty == SQLT_STR || call.dty == SQLT_AVC || call.dty == SQLT_RSET;
+  return call.cap + (endsInNul ? 1 : 0);
+}
+
 class MatrixTest : public testing::TestWithParam<Pair> {
  protected:
   /// Calls the converter itself, in a target that is larger than it is told.
@@ -203,6 +212,24 @@ class MatrixTest : public testing::TestWithParam<Pair> {
         target.length(), target.indicator(), target.returnCode());
     const Outcome seen = target.seen(result, session.takeRecord());
     if (!agree(*expected, seen, room)) mismatch(call, *expected, seen);
+  }
+
+  /// Goes through the dispatcher, in a block of exactly the size that it is told.
+  void checkDispatcher(const Call &call) {
+    const auto expected = model::predict(call);
+    if (!expected) return;
+    ++calls_;
+    Session &session = sessions_.of(call.env);
+    Target target(call, exactRoom(call));
+    const auto value = exactCopy(call.value + '\0');
+    errno = 0;
+    const sword result = PQ2OCIType_2(
+        session.errhp, call.oid, value.get(), static_cast<sb4>(call.value.size()),
+        call.format, call.dty, target.address(), target.length(), target.indicator(),
+        target.returnCode(), nullptr, 0);
+    const Outcome seen = target.seen(result, session.takeRecord());
+    const std::size_t bytes = call.dty == SQLT_VST ? call.stringSize : call.cap;
+    if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
   }
 
   void mismatch(const Call &call, const Outcome &expected, const Outcome &seen) {
@@ -230,33 +257,31 @@ TEST_P(MatrixTest, ConverterDoesAsTheModel) {
   forEachCall(GetParam(), [&](const Call &call) { checkConverter(call); });
 }
 
-/// Bytes that a program's buffer of `cap` bytes must have: text that ends in a NUL may
-/// have it behind them.
-std::size_t exactRoom(const Call &call) {
-  if (call.dty == SQLT_VST) return call.stringSize + 1;
-  const bool endsInNul =
-      call.dty == SQLT_STR || call.dty == SQLT_AVC || call.dty == SQLT_RSET;
-  return call.cap + (endsInNul ? 1 : 0);
-}
-
 TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
   ASSERT_NE(converterOf(GetParam()), nullptr) << "the converter is missing";
-  forEachCall(GetParam(), [&](const Call &call) {
-    const auto expected = model::predict(call);
-    if (!expected) return;
-    ++calls_;
-    Session &session = sessions_.of(call.env);
-    Target target(call, exactRoom(call));
-    const auto value = exactCopy(call.value + '\0');
-    errno = 0;
-    const sword result = PQ2OCIType_2(
-        session.errhp, call.oid, value.get(), static_cast<sb4>(call.value.size()),
-        call.format, call.dty, target.address(), target.length(), target.indicator(),
-        target.returnCode(), nullptr, 0);
-    const Outcome seen = target.seen(result, session.takeRecord());
-    const std::size_t bytes = call.dty == SQLT_VST ? call.stringSize : call.cap;
-    if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
-  });
+  forEachCall(GetParam(), [&](const Call &call) { checkDispatcher(call); });
+}
+
+TEST_P(MatrixTest, RandomValues) {
+  auto random = generator();
+  const auto below = [&](unsigned n) { return static_cast<ub4>(random() % n); };
+  const auto environments = environmentsFor(GetParam().oid);
+  for (int i = 0; i < 2000; ++i) {
+    const bool isBinary = below(4) == 0;
+    const std::string value = isBinary ? model::randomBinary(GetParam().oid, random)
+                                       : model::randomText(GetParam().oid, random);
+    const Call call{.oid = GetParam().oid,
+                    .dty = GetParam().dty,
+                    .format = static_cast<ub1>(isBinary),
+                    .value = value,
+                    .cap = below(below(2) ? 10 : 40),
+                    .indicator = below(3) != 0,
+                    .returnCode = below(3) != 0,
+                    .env = environments[below(static_cast<ub4>(environments.size()))],
+                    .stringSize = below(40)};
+    checkConverter(call);
+    checkDispatcher(call);
+  }
 }
 
 /// Lengths at which members draw a line.

@@ -170,7 +170,6 @@ Outcome varnum(Run &run) {
     run.out.record = 1405;
     return run.returns(1);
   }
-  string number;
   if (run.call.format == 1) {
     const optional<WireNumeric> v = parseWire(run.call.value);
     const optional<string> encoded = v ? varnumOf(*v) : std::nullopt;
@@ -182,10 +181,11 @@ Outcome varnum(Run &run) {
   if (run.call.format != 0) return run.fails();
   const optional<string> encoded = toNumber(run.cText());
   if (!encoded) return run.failsWith(1722);
-  run.put(1, *encoded);
+  const string number = head(*encoded, kLongestNumber);
+  run.put(1, number);
   long count = 1;
-  for (std::size_t i = 1; i < encoded->size(); ++i) {
-    const int byte = static_cast<unsigned char>((*encoded)[i]);
+  for (std::size_t i = 1; i < number.size(); ++i) {
+    const int byte = static_cast<unsigned char>(number[i]);
     if (byte < 1 || byte > 102) break;
     ++count;
   }

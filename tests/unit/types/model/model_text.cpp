@@ -179,7 +179,7 @@ Outcome varnum(Run &run) {
   }
   const optional<string> bytes = toNumber(run.cText());
   if (!bytes) return run.failsWith(1722);
-  run.put(1, *bytes);
+  run.put(1, head(*bytes, kLongestNumber));
   long count = 1;
   while (count < 21 && count < sizeOf(*bytes)) {
     const int byte =

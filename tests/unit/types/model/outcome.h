@@ -81,6 +81,8 @@ class Run {
   Outcome out;
 };
 
+/// Bytes of a NUMBER; the terminator of a longer one falls away.
+constexpr long kLongestNumber = 21;
 /// A single NUL.
 inline const std::string kNul(1, '\0');
 inline long sizeOf(const std::string &text) {
