@@ -152,6 +152,15 @@ class MatrixFetchTest : public StatementFixture,
 
   std::size_t rows() const { return GetParam().values.size(); }
 
+  /// From now on empty text is a value of its own.
+  void tellEmptyTextFromNull() {
+    ub1 off = 4;
+    ASSERT_EQ(
+        OCIAttrSet(env(), OCI_HTYPE_ENV, &off, sizeof off, ZEVOCI_ATTR_VARCHARS, errhp()),
+        OCI_SUCCESS);
+    oracleVarchars_ = false;
+  }
+
   /// The server's own texts of the values.
   const std::vector<std::string> &texts() {
     for (std::size_t i = texts_.size(); i < rows(); ++i) {
@@ -166,6 +175,7 @@ class MatrixFetchTest : public StatementFixture,
               .value = texts()[row],
               .cap = size,
               .indicator = indicator,
+              .env = {.oracleVarchars = oracleVarchars_},
               .stringSize = kStringSize};
     if (isNull(row)) {
       Outcome null;
@@ -262,6 +272,7 @@ class MatrixFetchTest : public StatementFixture,
 
  private:
   std::vector<std::string> texts_;
+  bool oracleVarchars_ = true;
 };
 
 TEST_P(MatrixFetchTest, SingleRows) {
@@ -270,6 +281,11 @@ TEST_P(MatrixFetchTest, SingleRows) {
 
 TEST_P(MatrixFetchTest, SingleRowsWithoutAnIndicator) {
   forEachTarget([&](ub2 dty, ub4 size) { fetchSingly(dty, size, false, 0); });
+}
+
+TEST_P(MatrixFetchTest, SingleRowsWhileEmptyTextIsNotNull) {
+  tellEmptyTextFromNull();
+  forEachTarget([&](ub2 dty, ub4 size) { fetchSingly(dty, size, true, 0); });
 }
 
 TEST_P(MatrixFetchTest, PrefetchedRows) {

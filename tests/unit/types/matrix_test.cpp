@@ -1,21 +1,17 @@
 /// Every pair of the fetch matrix against its model: telling values in both formats, all
 /// sizes of the target, with and without indicator and return code.
 #include <algorithm>
-#include <cstdio>
 #include <set>
 
-#include "model/outcome.h"
+#include "matrix_target.h"
 #include "model/pairs.h"
 #include "model/values.h"
 #include "types/conversion_tables.h"
 #include "types_fixture.h"
-#include "zevoci/string_value.h"
 
 namespace zevtest {
 namespace {
 
-using model::Call;
-using model::Outcome;
 using model::Pair;
 
 /// The table's converter, null while it is not there.
@@ -26,105 +22,6 @@ FromServerConverter converterOf(const Pair &pair) {
 }
 
 constexpr int kPrintedMismatches = 5;
-constexpr ub4 kTextLengthBefore = 0xABCD;
-
-std::string escaped(const std::string &bytes) {
-  std::string text = "\"";
-  for (const char c : bytes) {
-    char hex[8];
-    std::snprintf(hex, sizeof hex, "\\%02X", static_cast<unsigned char>(c));
-    const bool plain = c >= ' ' && c < 127 && c != '\\' && c != '"';
-    text += plain ? std::string(1, c) : hex;
-  }
-  return text + "\"";
-}
-
-std::string described(const Outcome &o, bool isString) {
-  const std::string &bytes = isString ? o.text : o.target;
-  const auto last = bytes.find_last_not_of(model::kUntouched);
-  std::string text = "result " + std::to_string(o.result) + " bytes " +
-                     escaped(bytes.substr(0, last + 1)) + " length " +
-                     (o.length ? std::to_string(static_cast<sb4>(*o.length)) : "open") +
-                     " ind " + std::to_string(o.indicator) + " rc " +
-                     std::to_string(o.returnCode) + " record " + std::to_string(o.record);
-  if (isString) text += " string length " + std::to_string(o.textLength.value_or(0));
-  return text;
-}
-
-std::string described(const Call &c) {
-  std::string text = "format " + std::to_string(c.format) + " value " + escaped(c.value) +
-                     " cap " + std::to_string(c.cap);
-  if (c.dty == SQLT_VST) text += " size " + std::to_string(c.stringSize);
-  text += c.indicator ? " ind" : " no-ind";
-  text += c.returnCode ? " rc" : " no-rc";
-  if (!c.env.oracleVarchars) text += " no-varchars";
-  if (c.env.utf16) text += " utf16";
-  return text;
-}
-
-/// The sessions of one environment each, for all environments that the model knows.
-class Sessions {
- public:
-  Session &of(const model::Environment &env) {
-    Session &session = env.utf16 ? wide_ : narrow_;
-    session.env->oracleVarchars = env.oracleVarchars;
-    return session;
-  }
-
- private:
-  Session narrow_;
-  Session wide_{OCI_UTF16};
-};
-
-/// A target with everything around it, and one conversion into it.
-class Target {
- public:
-  /// `room` is the size of the block of bytes, or of the text of the string.
-  Target(const Call &call, std::size_t room) : call_(call), room_(room) {
-    block_ = guarded(room_);
-    string_ = {call.stringSize, kTextLengthBefore,
-               reinterpret_cast<OraText *>(block_.get())};
-    length_ = call.cap;
-  }
-
-  bool isString() const { return call_.dty == SQLT_VST; }
-  void *address() { return isString() ? static_cast<void *>(&pointer_) : block_.get(); }
-  ub4 *length() { return &length_; }
-  sb2 *indicator() { return call_.indicator ? &indicator_ : nullptr; }
-  ub2 *returnCode() { return call_.returnCode ? &returnCode_ : nullptr; }
-
-  Outcome seen(sword result, int record) const {
-    Outcome out;
-    out.result = result;
-    (isString() ? out.text : out.target).assign(block_.get(), room_);
-    out.length = length_;
-    out.indicator = indicator_;
-    out.returnCode = returnCode_;
-    out.record = record;
-    if (string_.length != kTextLengthBefore) out.textLength = string_.length;
-    return out;
-  }
-
- private:
-  const Call &call_;
-  std::size_t room_;
-  std::unique_ptr<char[]> block_;
-  OCIString string_{};
-  OCIString *pointer_ = &string_;
-  ub4 length_ = 0;
-  sb2 indicator_ = 0;
-  ub2 returnCode_ = 0;
-};
-
-bool agree(const Outcome &expected, const Outcome &seen, std::size_t bytes) {
-  return expected.result == seen.result && expected.indicator == seen.indicator &&
-         expected.returnCode == seen.returnCode && expected.record == seen.record &&
-         (!expected.length || expected.length == seen.length) &&
-         expected.textLength == seen.textLength &&
-         expected.target.compare(0, bytes, seen.target, 0, bytes) == 0 &&
-         expected.text.compare(0, bytes, seen.text, 0, bytes) == 0;
-}
-
 /// Lengths of text that a row prints values with lie below this.
 constexpr ub4 kShort = 26;
 
@@ -152,8 +49,7 @@ std::vector<ub4> sizesFor(const Call &call) {
 
 std::vector<model::Environment> environmentsFor(Oid row) {
   std::vector<model::Environment> all{{true, false}, {false, false}};
-  const bool isText = row == TEXTOID || row == zev::kBpcharOid || row == zev::kVarcharOid;
-  if (isText) all.push_back({true, true});
+  if (model::isCharacterRow(row)) all.push_back({true, true});
   return all;
 }
 
@@ -188,6 +84,42 @@ void forEachCall(const Pair &pair, const Visit &visit) {
 
 class MatrixTest : public testing::TestWithParam<Pair> {
  protected:
+  /// Calls the converter itself, in a target that is larger than it is told.
+  void checkConverter(const Call &call) {
+    const auto expected = model::predict(call);
+    if (!expected) return;
+    ++calls_;
+    Session &session = sessions_.of(call.env);
+    const std::size_t room = std::max(expected->target.size(), expected->text.size());
+    Target target(call, room);
+    const auto value = exactCopy(call.value + '\0');
+    errno = 0;
+    const sword result = converterOf(GetParam())(
+        session.errhp, call.nullPointer ? nullptr : value.get(),
+        static_cast<sb4>(call.value.size()), call.format, target.address(),
+        target.length(), target.indicator(), target.returnCode());
+    const Outcome seen = target.seen(result, session.takeRecord());
+    if (!agree(*expected, seen, room)) mismatch(call, *expected, seen);
+  }
+
+  /// Goes through the dispatcher, in a block of exactly the size that it is told.
+  void checkDispatcher(const Call &call) {
+    const auto expected = model::predict(call);
+    if (!expected) return;
+    ++calls_;
+    Session &session = sessions_.of(call.env);
+    Target target(call, exactRoom(call));
+    const auto value = exactCopy(call.value + '\0');
+    errno = 0;
+    const sword result = PQ2OCIType_2(
+        session.errhp, call.oid, value.get(), static_cast<sb4>(call.value.size()),
+        call.format, call.dty, target.address(), target.length(), target.indicator(),
+        target.returnCode(), nullptr, 0);
+    const Outcome seen = target.seen(result, session.takeRecord());
+    const std::size_t bytes = call.dty == SQLT_VST ? call.stringSize : call.cap;
+    if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
+  }
+
   void mismatch(const Call &call, const Outcome &expected, const Outcome &seen) {
     ++mismatches_;
     if (mismatches_ > kPrintedMismatches) return;
@@ -209,52 +141,86 @@ class MatrixTest : public testing::TestWithParam<Pair> {
 };
 
 TEST_P(MatrixTest, ConverterDoesAsTheModel) {
-  const FromServerConverter convert = converterOf(GetParam());
-  ASSERT_NE(convert, nullptr) << "the converter is missing";
-  forEachCall(GetParam(), [&](const Call &call) {
-    const auto expected = model::predict(call);
-    if (!expected) return;
-    ++calls_;
-    Session &session = sessions_.of(call.env);
-    const std::size_t room = std::max(expected->target.size(), expected->text.size());
-    Target target(call, room);
-    const auto value = exactCopy(call.value + '\0');
-    errno = 0;
-    const sword result = convert(
-        session.errhp, value.get(), static_cast<sb4>(call.value.size()), call.format,
-        target.address(), target.length(), target.indicator(), target.returnCode());
-    const Outcome seen = target.seen(result, session.takeRecord());
-    if (!agree(*expected, seen, room)) mismatch(call, *expected, seen);
-  });
-}
-
-/// Bytes that a program's buffer of `cap` bytes must have: text that ends in a NUL may
-/// have it behind them.
-std::size_t exactRoom(const Call &call) {
-  if (call.dty == SQLT_VST) return call.stringSize + 1;
-  const bool endsInNul =
-      call.dty == SQLT_STR || call.dty == SQLT_AVC || call.dty == SQLT_RSET;
-  return call.cap + (endsInNul ? 1 : 0);
+  ASSERT_NE(converterOf(GetParam()), nullptr) << "the converter is missing";
+  forEachCall(GetParam(), [&](const Call &call) { checkConverter(call); });
 }
 
 TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
   ASSERT_NE(converterOf(GetParam()), nullptr) << "the converter is missing";
-  forEachCall(GetParam(), [&](const Call &call) {
-    const auto expected = model::predict(call);
-    if (!expected) return;
-    ++calls_;
-    Session &session = sessions_.of(call.env);
-    Target target(call, exactRoom(call));
-    const auto value = exactCopy(call.value + '\0');
-    errno = 0;
-    const sword result = PQ2OCIType_2(
-        session.errhp, call.oid, value.get(), static_cast<sb4>(call.value.size()),
-        call.format, call.dty, target.address(), target.length(), target.indicator(),
-        target.returnCode(), nullptr, 0);
-    const Outcome seen = target.seen(result, session.takeRecord());
-    const std::size_t bytes = call.dty == SQLT_VST ? call.stringSize : call.cap;
-    if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
-  });
+  forEachCall(GetParam(), [&](const Call &call) { checkDispatcher(call); });
+}
+
+TEST_P(MatrixTest, RandomValues) {
+  auto random = generator();
+  const auto below = [&](unsigned n) { return static_cast<ub4>(random() % n); };
+  const auto environments = environmentsFor(GetParam().oid);
+  for (int i = 0; i < 2000; ++i) {
+    const bool isBinary = below(4) == 0;
+    const std::string value = isBinary ? model::randomBinary(GetParam().oid, random)
+                                       : model::randomText(GetParam().oid, random);
+    const Call call{.oid = GetParam().oid,
+                    .dty = GetParam().dty,
+                    .format = static_cast<ub1>(isBinary),
+                    .value = value,
+                    .cap = below(below(2) ? 10 : 40),
+                    .indicator = below(3) != 0,
+                    .returnCode = below(3) != 0,
+                    .env = environments[below(static_cast<ub4>(environments.size()))],
+                    .stringSize = below(40)};
+    checkConverter(call);
+    checkDispatcher(call);
+  }
+}
+
+/// Lengths at which members draw a line.
+constexpr std::size_t kLimits[] = {2000, 4000, 65533, 65535, 65536, 70000};
+
+TEST_P(MatrixTest, LongValues) {
+  for (const std::size_t limit : kLimits) {
+    for (const std::size_t length : {limit, limit + 1}) {
+      for (const ub4 cap : {10u, static_cast<ub4>(limit), static_cast<ub4>(limit) + 8}) {
+        for (const bool indicator : {true, false}) {
+          const Call call{.oid = GetParam().oid,
+                          .dty = GetParam().dty,
+                          .value = std::string(length, '1'),
+                          .cap = cap,
+                          .indicator = indicator,
+                          .stringSize = cap};
+          checkConverter(call);
+        }
+      }
+    }
+  }
+}
+
+/// Members that have no null rule, or skip it in large targets.
+bool needsAValue(const Pair &pair) {
+  const bool isNumber = pair.dty == SQLT_NUM || pair.dty == SQLT_VNU;
+  return pair.dty == SQLT_RSET || (pair.oid == NUMERICOID && isNumber) ||
+         (model::isCharacterRow(pair.oid) && pair.dty == SQLT_NUM);
+}
+
+TEST_P(MatrixTest, ANullPointerIsANullValue) {
+  if (needsAValue(GetParam())) {
+    calls_ = 1;
+    return;
+  }
+  for (const ub4 cap : {4u, 8u, 30u}) {
+    for (const ub1 format : {ub1{0}, ub1{1}}) {
+      for (const bool indicator : {true, false}) {
+        const bool noLength = model::isCharacterRow(GetParam().oid);
+        const Call call{.oid = GetParam().oid,
+                        .dty = GetParam().dty,
+                        .format = format,
+                        .value = noLength ? "" : "12345678",
+                        .cap = cap,
+                        .indicator = indicator,
+                        .stringSize = 8,
+                        .nullPointer = true};
+        checkConverter(call);
+      }
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPairs()),

@@ -14,8 +14,6 @@ using std::optional;
 using std::string;
 
 constexpr ub1 kText = 0, kBinary = 1;
-const string kNul(1, '\0');
-
 BindOutcome fails(int record = 0) {
   return {.result = -1, .record = record};
 }

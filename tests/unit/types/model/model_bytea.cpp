@@ -7,8 +7,6 @@ namespace {
 
 using std::optional;
 using std::string;
-
-const string kNul(1, '\0');
 const string kHex = "0123456789ABCDEF";
 
 bool isOctal(char c) {

@@ -9,8 +9,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
 Outcome chr(Run &run) {
   if (run.isNull()) return run.nullRule();
   if (run.cap > 0) run.put(0, run.call.value.substr(0, 1));

@@ -10,12 +10,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-
 bool isSingle(const Run &run) {
   return run.call.oid == FLOAT4OID;
 }
@@ -34,6 +28,11 @@ const Printing kPrintings[] = {
     {SQLT_LVC, 6, 17, false}, {SQLT_NUM, 6, 15, true}, {SQLT_VNU, 6, 15, true},
     {SQLT_VST, 6, 15, true},
 };
+
+/// Null for the members of the wide row that test for a missing value alone.
+bool isWithoutValue(const Run &run) {
+  return isSingle(run) ? run.isNull() : run.call.nullPointer;
+}
 
 double readBinary(const Run &run, bool swapped) {
   string bytes = run.call.value.substr(0, static_cast<std::size_t>(width(run)));
@@ -84,7 +83,7 @@ Outcome avc(Run &run) {
 Outcome str(Run &run) {
   if (run.cap < 1) return run.fails();
   if (!isSingle(run) && run.valueLength < 4) return run.fails();
-  if (isSingle(run) && run.isNull()) return run.nullRule();
+  if (isWithoutValue(run)) return run.nullRule();
   const optional<string> text = textOf(run, SQLT_STR);
   if (!text) return run.fails();
   const long l = static_cast<long>(text->size());
@@ -120,7 +119,7 @@ Outcome number(Run &run) {
   const bool withLength = run.call.dty == SQLT_VNU;
   if (run.cap < 2) return run.fails();
   if (!isSingle(run) && run.valueLength < 8) return run.fails();
-  if (isSingle(run) && run.isNull()) return run.nullRule();
+  if (isWithoutValue(run)) return run.nullRule();
   const optional<string> text = textOf(run, run.call.dty);
   if (!text) return run.fails();
   const optional<string> bytes = withLength ? toVarnum(*text) : toNumber(*text);

@@ -11,17 +11,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-long sizeOf(const string &text) {
-  return static_cast<long>(text.size());
-}
-
-/// As much of `text` as `room` bytes hold; none for a negative room.
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-
 int widthOf(Oid row) {
   return row == INT2OID ? 2 : row == INT4OID ? 4 : 8;
 }
@@ -141,7 +130,7 @@ Outcome lvcOfInt2(Run &run, const string &text) {
     return run.returns(0);
   }
   run.out.record = 22053;
-  run.setIndicator(l - run.cap >= -4 ? l + 4 - run.cap : 65534);
+  run.missing(l + 4 - run.cap);
   run.put(0, native(run.cap - 4, 4) + head(text, run.cap - 4));
   return run.returns(run.call.indicator ? 0 : 1);
 }

@@ -12,15 +12,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-long sizeOf(const string &text) {
-  return static_cast<long>(text.size());
-}
-
 /// The null rule; most members of the row clear the length for it, and none tells which.
 Outcome null(Run &run) {
   Outcome outcome = run.nullRule();
@@ -44,7 +35,7 @@ Outcome str(Run &run, const string &text) {
 }
 
 Outcome lng(Run &run, const string &text) {
-  const long n = std::min(run.cap, sizeOf(text));
+  const long n = std::min(run.cap, sizeOf(text)) & 0xFFFF;
   run.put(0, head(text, n));
   run.setLength(n);
   return run.returns(0);
@@ -179,7 +170,6 @@ Outcome varnum(Run &run) {
     run.out.record = 1405;
     return run.returns(1);
   }
-  string number;
   if (run.call.format == 1) {
     const optional<WireNumeric> v = parseWire(run.call.value);
     const optional<string> encoded = v ? varnumOf(*v) : std::nullopt;
@@ -191,10 +181,11 @@ Outcome varnum(Run &run) {
   if (run.call.format != 0) return run.fails();
   const optional<string> encoded = toNumber(run.cText());
   if (!encoded) return run.failsWith(1722);
-  run.put(1, *encoded);
+  const string number = head(*encoded, kLongestNumber);
+  run.put(1, number);
   long count = 1;
-  for (std::size_t i = 1; i < encoded->size(); ++i) {
-    const int byte = static_cast<unsigned char>((*encoded)[i]);
+  for (std::size_t i = 1; i < number.size(); ++i) {
+    const int byte = static_cast<unsigned char>(number[i]);
     if (byte < 1 || byte > 102) break;
     ++count;
   }

@@ -13,15 +13,6 @@ namespace {
 using std::optional;
 using std::string;
 
-const string kNul(1, '\0');
-
-string head(const string &text, long room) {
-  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
-}
-long sizeOf(const string &text) {
-  return static_cast<long>(text.size());
-}
-
 /// In the client's encoding; nothing for bad text.
 optional<string> transcoded(const Run &run, const string &text) {
   if (!run.call.env.utf16) return text;
@@ -188,7 +179,7 @@ Outcome varnum(Run &run) {
   }
   const optional<string> bytes = toNumber(run.cText());
   if (!bytes) return run.failsWith(1722);
-  run.put(1, *bytes);
+  run.put(1, head(*bytes, kLongestNumber));
   long count = 1;
   while (count < 21 && count < sizeOf(*bytes)) {
     const int byte =

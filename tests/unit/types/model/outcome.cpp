@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
 
 namespace zevtest::model {
 
@@ -24,7 +25,8 @@ std::string Run::cText() const {
 }
 
 bool Run::isNull() const {
-  return call.value.empty() || (call.format == 0 && call.value[0] == '\0');
+  return call.nullPointer || call.value.empty() ||
+         (call.format == 0 && call.value[0] == '\0');
 }
 
 Outcome Run::returns(sword result) {
@@ -47,22 +49,32 @@ Outcome Run::nullRule() {
   return returns(1);
 }
 
-void Run::put(long at, const std::string &bytes) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const long index = at + static_cast<long>(i);
-    if (index >= 0) out.target.at(static_cast<std::size_t>(index)) = bytes[i];
+namespace {
+
+/// Writes inside `buffer`; what would stand before it falls away.
+void write(std::string &buffer, long at, std::string bytes) {
+  if (at < 0) {
+    bytes.erase(0, std::min(bytes.size(), static_cast<std::size_t>(-at)));
+    at = 0;
   }
+  if (static_cast<std::size_t>(at) + bytes.size() > buffer.size()) {
+    throw std::out_of_range("the model writes behind its buffer");
+  }
+  buffer.replace(static_cast<std::size_t>(at), bytes.size(), bytes);
+}
+
+}  // namespace
+
+void Run::put(long at, const std::string &bytes) {
+  if (!bytes.empty()) write(out.target, at, bytes);
 }
 
 void Run::blanks(long from, long to) {
-  for (long i = from; i < to; ++i) put(i, " ");
+  if (from < to) put(from, std::string(static_cast<std::size_t>(to - from), ' '));
 }
 
 void Run::putText(long at, const std::string &bytes) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const long index = at + static_cast<long>(i);
-    if (index >= 0) out.text.at(static_cast<std::size_t>(index)) = bytes[i];
-  }
+  if (!bytes.empty()) write(out.text, at, bytes);
 }
 
 void Run::setIndicator(long value) {
@@ -71,6 +83,10 @@ void Run::setIndicator(long value) {
 
 void Run::missing(long count) {
   setIndicator(count >= 65536 ? 65534 : count);
+}
+
+std::string head(const std::string &text, long room) {
+  return text.substr(0, static_cast<std::size_t>(std::max(room, 0L)));
 }
 
 std::string native(long long value, int width) {

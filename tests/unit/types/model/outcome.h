@@ -31,6 +31,7 @@ struct Call {
   bool returnCode = true;
   Environment env;
   ub4 stringSize = 0;
+  bool nullPointer = false;  ///< no value at all, whatever `value` says of its length
 };
 
 /// Bytes that a member may be seen to write, for a target of `call.cap` bytes.
@@ -80,6 +81,15 @@ class Run {
   Outcome out;
 };
 
+/// Bytes of a NUMBER; the terminator of a longer one falls away.
+constexpr long kLongestNumber = 21;
+/// A single NUL.
+inline const std::string kNul(1, '\0');
+inline long sizeOf(const std::string &text) {
+  return static_cast<long>(text.size());
+}
+/// As much of `text` as `room` bytes hold; none for a negative room.
+std::string head(const std::string &text, long room);
 /// The low `width` bytes of `value` in native order; a native length prefix too.
 std::string native(long long value, int width);
 std::string nativeFloat(double value);

@@ -21,6 +21,10 @@ std::string nameOf(const Pair &pair);
 void PrintTo(const Pair &pair, std::ostream *out);
 /// Whether the pair converts dates, times or intervals.
 bool isDatePair(const Pair &pair);
+/// Whether the row is one of the three of character data.
+inline bool isCharacterRow(Oid oid) {
+  return oid == 25 || oid == 1042 || oid == 1043;
+}
 /// All fetched pairs but those of dates and of large objects, row by row.
 std::vector<Pair> modelledPairs();
 

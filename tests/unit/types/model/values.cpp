@@ -12,7 +12,6 @@ namespace {
 using std::string;
 using std::vector;
 
-const string kNul(1, '\0');
 const string k60Digits(60, '7');
 const string k45Digits = "1" + string(44, '3');
 const string k46Digits = "-1" + string(45, '4');

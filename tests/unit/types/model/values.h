@@ -3,6 +3,7 @@
 
 #include <libpq-fe.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@ struct Values {
   std::vector<std::string> binaries;
 };
 Values valuesOf(Oid row);
+/// A random field of the row, as text or in the binary form.
+std::string randomText(Oid row, std::mt19937_64 &random);
+std::string randomBinary(Oid row, std::mt19937_64 &random);
 
 /// The server's binary form of an integer of `width` bytes, and of floats.
 std::string networkInteger(long long value, int width);
