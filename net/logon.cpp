@@ -32,13 +32,6 @@ class Pending {
   T *handle_ = nullptr;
 };
 
-/// Records that argument `number` is missing.
-sword failArgument(OCIError *errhp, const char *number) {
-  ClearErrorHandle(errhp);
-  AddErrorRecordStringX(errhp, OCI_ERROR, 21560, 1, number);
-  return OCI_ERROR;
-}
-
 sword setText(OCISession *session, const OraText *text, ub4 length, ub4 attribute,
               OCIError *errhp) {
   return OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(text), length,
@@ -81,8 +74,8 @@ extern "C" ZEV_API sword OCILogon(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **sv
   if (!zev::asEnv(envhp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   if (!svchp) return OCI_ERROR;
   *svchp = nullptr;
-  if (!username) return failArgument(errhp, "4");
-  if (!dbname) return failArgument(errhp, "8");
+  if (!username) return zev::failArgument(errhp, "4");
+  if (!dbname) return zev::failArgument(errhp, "8");
 
   Pending<OCIServer> server(OCI_HTYPE_SERVER);
   sword status = server.alloc(envhp);

@@ -34,13 +34,6 @@ sword failCleared(OCIError *errhp, sb4 code) {
   return zev::fail(errhp, code);
 }
 
-/// Records that argument `number` is null.
-sword failArgument(OCIError *errhp, const char *number) {
-  ClearErrorHandle(errhp);
-  AddErrorRecordStringX(errhp, OCI_ERROR, 21560, 1, number);
-  return OCI_ERROR;
-}
-
 bool isLanguage(ub4 language) {
   return language == OCI_NTV_SYNTAX || language == OCI_V7_SYNTAX;
 }
@@ -135,7 +128,7 @@ extern "C" ZEV_API sword OCIStmtPrepare(OCIStmt *stmtp, OCIError *errhp,
   if (!zev::asStmt(stmtp) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   OCIEnv *env = zev::parentEnv(stmtp);
   if (!env) return OCI_INVALID_HANDLE;
-  if (!stmt) return failArgument(errhp, "3");
+  if (!stmt) return zev::failArgument(errhp, "3");
   if (!stmt_len) return failCleared(errhp, 24373);
   if (mode != OCI_DEFAULT) return failCleared(errhp, 24300);
   if (stmtp->fromPrepare2) return OCI_INVALID_HANDLE;

@@ -124,11 +124,6 @@ sword prepareNew(OCIEnv *env, OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp
   return status;
 }
 
-sword failArgument(OCIError *errhp, const char *number) {
-  AddErrorRecordStringX(errhp, OCI_ERROR, 21560, 1, number);
-  return OCI_ERROR;
-}
-
 /// Gives a statement back to the cache of its service context.
 sword releaseToCache(OCIStmt *stmt, OCIError *errhp, const OraText *key, ub4 keyLength,
                      ub4 mode) {
@@ -168,7 +163,7 @@ extern "C" ZEV_API sword OCIStmtPrepare2(OCISvcCtx *svchp, OCIStmt **stmtp,
           status = outcome;
           return zev::Leave::AtOnce;
         };
-        if (!stmt) return leaveWith(failArgument(errhp, "4"));
+        if (!stmt) return leaveWith(zev::failArgument(errhp, "4"));
         if (mode != OCI_DEFAULT && mode != OCI_PREP2_CACHE_SEARCHONLY) {
           return leaveWith(zev::fail(errhp, 24300));
         }

@@ -77,6 +77,14 @@ inline sword fail(OCIError *errhp, sb4 code, const char *text) {
   AddErrorRecord2(errhp, OCI_ERROR, code, text);
   return OCI_ERROR;
 }
+
+/// Forgets earlier records, then records 21560: argument `number` of the call is missing.
+/// Returns OCI_ERROR.
+inline sword failArgument(OCIError *errhp, const char *number) {
+  ClearErrorHandle(errhp);
+  AddErrorRecordStringX(errhp, OCI_ERROR, 21560, 1, number);
+  return OCI_ERROR;
+}
 /// A text without a number.
 inline sword failWithText(OCIError *errhp, const char *text) {
   AddErrorRecordMsg(errhp, OCI_ERROR, text);

@@ -87,6 +87,8 @@ INSTANTIATE_TEST_SUITE_P(Members, BindWithoutMemory, testing::Values(
     OutOfMemory{"Int4",    ConvertSQLT_INTToINT4OID,    native<sb4>(5), -1, 0},
     OutOfMemory{"Int8",    ConvertSQLT_INTToINT8OID,    native<sb4>(5), -1, 0},
     OutOfMemory{"Numeric", ConvertSQLT_INTToNUMERICOID, native<sb4>(5), -1, 1},
+    OutOfMemory{"Number",  ConvertSQLT_NUMToNUMERICOID, "\xC1\x02" + std::string(19, '\0'), -1, 1},
+    OutOfMemory{"Varnum",  ConvertSQLT_VNUToNUMERICOID, "\x02\xC1\x02", -1, 1},
     OutOfMemory{"Float4",  ConvertSQLT_FLTToFLOAT4OID,  native(1.5f),   -1, 1},
     OutOfMemory{"Float8",  ConvertSQLT_FLTToFLOAT8OID,  native(1.5f),   -1, 1},
     OutOfMemory{"Bin",     ConvertSQLT_BINToBYTEAOID,   "abc",          -1, 1},
@@ -146,9 +148,10 @@ TEST(FetchWithoutMemory, BinaryNumericFails) {
   Session session;
   const std::string wire = network<sb2>(1) + network<sb2>(0) + network<sb2>(0) +
                            network<sb2>(0) + network<sb2>(42);
-  for (const ub2 type : {SQLT_CHR, SQLT_INT, SQLT_FLT, SQLT_STR}) {
+  for (const ub2 type : {SQLT_CHR, SQLT_INT, SQLT_FLT, SQLT_STR, SQLT_VNU}) {
     for (const int allowed : {0, 1}) {
-      if (type == SQLT_INT && allowed == 1) continue;  // needs no more than its record
+      // These need no more than the record.
+      if ((type == SQLT_INT || type == SQLT_VNU) && allowed == 1) continue;
       char target[8];
       ub4 size = sizeof target;
       const Memory memory(allowed);
@@ -159,6 +162,22 @@ TEST(FetchWithoutMemory, BinaryNumericFails) {
           << type << " " << allowed;
     }
   }
+}
+
+TEST(FetchWithoutMemory, TextThatOutgrowsItsTargetLeavesItAlone) {
+  Session session;
+  const std::string text(300, 'x');
+  char target[8] = "~~~~~~~";
+  ub4 size = sizeof target;
+  sb2 indicator = 0;
+  sword status = 0;
+  {
+    const Memory none(0);
+    status = PQ2OCIType(session.errhp, TEXTOID, text.c_str(), 300, 0, SQLT_VCS, target,
+                        &size, &indicator, nullptr, 0);
+  }
+  EXPECT_EQ(status, -1);
+  EXPECT_STREQ(target, "~~~~~~~");
 }
 
 TEST(FetchWithoutMemory, CursorNameIsRecorded) {

@@ -1,5 +1,4 @@
 /// Numbers into the character targets with blanks, lengths and terminators of their own.
-#include "types/numeric.h"
 #include "types_fixture.h"
 
 namespace zevtest {
@@ -27,17 +26,6 @@ std::string p2(ub2 count) {
 }
 std::string p4(ub4 count) {
   return native(count);
-}
-
-/// The wire form of a number in text.
-std::string wire(const std::string &number) {
-  numeric *v = nullptr;
-  EXPECT_EQ(ConvertStringToNumeric(number.c_str(), &v), 0);
-  const std::size_t size = zev::numericSize(v->ndigits);
-  ConvertNumericFromHostToNetOrder(v);
-  const std::string bytes(reinterpret_cast<char *>(v), size);
-  std::free(v);
-  return bytes;
 }
 
 // clang-format off
@@ -216,11 +204,11 @@ INSTANTIATE_TEST_SUITE_P(Numeric, FetchNumberLayouts, testing::Values(
     FetchCase{"LvcLengthInFront",           kNumeric, kLvc, 0, "1.50", 9, p4(4) + "1.50~",    8},
     FetchCase{"LvcClips",                   kNumeric, kLvc, 0, "12.345", 8, p4(4) + "12.3",   8},
     FetchCase{"LvcNoRoom",                  kNumeric, kLvc, 0, "1.50", 3, "~~~",              3, 0, kNoRecord, -1},
-    FetchCase{"LngBinary",                  kNumeric, kLng, 1, wire("-1234.5"), 9, "-1234.5~~", 7},
-    FetchCase{"AfcBinary",                  kNumeric, kAfc, 1, wire("-1234.5"), 9, "-1234.5  ", 7},
-    FetchCase{"AvcBinary",                  kNumeric, kAvc, 1, wire("-1234.5"), 9, "-1234.5\0 "s, 8},
-    FetchCase{"VcsBinary",                  kNumeric, kVcs, 1, wire("-1234.5"), 9, p2(7) + "-1234.5", 9},
-    FetchCase{"LvcBinary",                  kNumeric, kLvc, 1, wire("-1234.5"), 9, p4(5) + "-1234", 9},
+    FetchCase{"LngBinary",                  kNumeric, kLng, 1, wireNumeric("-1234.5"), 9, "-1234.5~~", 7},
+    FetchCase{"AfcBinary",                  kNumeric, kAfc, 1, wireNumeric("-1234.5"), 9, "-1234.5  ", 7},
+    FetchCase{"AvcBinary",                  kNumeric, kAvc, 1, wireNumeric("-1234.5"), 9, "-1234.5\0 "s, 8},
+    FetchCase{"VcsBinary",                  kNumeric, kVcs, 1, wireNumeric("-1234.5"), 9, p2(7) + "-1234.5", 9},
+    FetchCase{"LvcBinary",                  kNumeric, kLvc, 1, wireNumeric("-1234.5"), 9, p4(5) + "-1234", 9},
     FetchCase{"LngBinaryTooShort",          kNumeric, kLng, 1, "1234567", 3, "~~~",           3, 0, kNoRecord, -1},
     FetchCase{"LngNullClearsTheLength",     kNumeric, kLng, 0, "",     3, "~~~",              0, -1, kNoRecord, 0, 1405},
     FetchCase{"VcsNullClearsTheLength",     kNumeric, kVcs, 0, "",     3, "~~~",              0, -1, kNoRecord, 0, 1405},

@@ -19,13 +19,13 @@ const std::string k2000 = std::string(2000, '1'), k2001 = std::string(2001, '1')
 const std::string k4000 = std::string(4000, '1'), k4001 = std::string(4001, '1');
 const std::string k70000 = std::string(70000, '1');
 
-std::string wireNumeric(sb2 weight, ub2 sign, sb2 dscale, std::vector<sb2> digits) {
+std::string recordBytes(sb2 weight, ub2 sign, sb2 dscale, std::vector<sb2> digits) {
   std::string out = network(static_cast<sb2>(digits.size())) + network(weight) +
                     network(sign) + network(dscale);
   for (const sb2 digit : digits) out += network(digit);
   return out;
 }
-const std::string kMinus1234_5 = wireNumeric(0, 0x4000, 1, {1234, 5000});
+const std::string kMinus1234_5 = recordBytes(0, 0x4000, 1, {1234, 5000});
 
 // clang-format off
 //            name                          oid    type  format value  cap  target             length indicator ...
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(NumericChr, FetchNumberText, testing::Values(
     FetchCase{"Binary",                     kNumeric, kChr, 1, kMinus1234_5, 9, "-1234.5  ",  7},
     FetchCase{"BinaryBelowEightBytes",      kNumeric, kChr, 1, "1234567", 3, "~~~",           3, 0, kNoRecord, -1},
     FetchCase{"BinaryWithoutItsDigits",     kNumeric, kChr, 1, kMinus1234_5.substr(0, 10), 3, "~~~", 3, 0, kNoRecord, -1},
-    FetchCase{"BinaryNotANumber",           kNumeric, kChr, 1, wireNumeric(0, 0xC000, 0, {}), 4, "NaN ", 3},
+    FetchCase{"BinaryNotANumber",           kNumeric, kChr, 1, recordBytes(0, 0xC000, 0, {}), 4, "NaN ", 3},
     FetchCase{"NullClearsTheLength",        kNumeric, kChr, 0, "",     3, "~~~",              0, -1, kNoRecord, 0, 1405},
     FetchCase{"NullWithoutIndicator",       kNumeric, kChr, 0, "",     3, "~~~",              0, kNoIndicator, 1405, 1, 1405}),
     nameOf<FetchCase>);

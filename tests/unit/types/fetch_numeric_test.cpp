@@ -1,6 +1,5 @@
 #include <cmath>
 
-#include "types/numeric.h"
 #include "types_fixture.h"
 
 namespace zevtest {
@@ -17,17 +16,6 @@ TEST_P(FetchNumeric, Arrives) {
 
 const Oid kNumeric = NUMERICOID;
 const ub2 kInt = SQLT_INT, kFlt = SQLT_FLT;
-
-/// The wire form of a number in text.
-std::string wire(const std::string &number) {
-  numeric *v = nullptr;
-  EXPECT_EQ(ConvertStringToNumeric(number.c_str(), &v), 0);
-  const std::size_t size = zev::numericSize(v->ndigits);
-  ConvertNumericFromHostToNetOrder(v);
-  const std::string bytes(reinterpret_cast<char *>(v), size);
-  std::free(v);
-  return bytes;
-}
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(ToInteger, FetchNumeric, testing::Values(
@@ -47,12 +35,12 @@ INSTANTIATE_TEST_SUITE_P(ToInteger, FetchNumeric, testing::Values(
     nameOf<FetchCase>);
 
 INSTANTIATE_TEST_SUITE_P(BinaryToInteger, FetchNumeric, testing::Values(
-    FetchCase{"OneByteReportsTwo",  kNumeric, kInt, 1, wire("-5"), 1, native<sb1>(-5), 2},
-    FetchCase{"TwoBytes",           kNumeric, kInt, 1, wire("-300"), 2, native<sb2>(-300), 2},
-    FetchCase{"FourBytes",          kNumeric, kInt, 1, wire("-70000"), 4, native<sb4>(-70000), 4},
-    FetchCase{"EightBytes",         kNumeric, kInt, 1, wire("4294967301"), 8, native<sb8>(4294967301), 8},
-    FetchCase{"FractionIsRounded",  kNumeric, kInt, 1, wire("-12.5"), 4, native<sb4>(-13), 4},
-    FetchCase{"OutOfRangePasses",   kNumeric, kInt, 1, wire("70000"), 2, "~~", 2},
+    FetchCase{"OneByteReportsTwo",  kNumeric, kInt, 1, wireNumeric("-5"), 1, native<sb1>(-5), 2},
+    FetchCase{"TwoBytes",           kNumeric, kInt, 1, wireNumeric("-300"), 2, native<sb2>(-300), 2},
+    FetchCase{"FourBytes",          kNumeric, kInt, 1, wireNumeric("-70000"), 4, native<sb4>(-70000), 4},
+    FetchCase{"EightBytes",         kNumeric, kInt, 1, wireNumeric("4294967301"), 8, native<sb8>(4294967301), 8},
+    FetchCase{"FractionIsRounded",  kNumeric, kInt, 1, wireNumeric("-12.5"), 4, native<sb4>(-13), 4},
+    FetchCase{"OutOfRangePasses",   kNumeric, kInt, 1, wireNumeric("70000"), 2, "~~", 2},
     FetchCase{"NoRecordClearsTheLength", kNumeric, kInt, 1, "1234567", 4, "~~~~", 0, 0, kNoRecord, -1}),
     nameOf<FetchCase>);
 
@@ -67,8 +55,8 @@ INSTANTIATE_TEST_SUITE_P(ToFloat, FetchNumeric, testing::Values(
     FetchCase{"TextLeftOver",       kNumeric, kFlt, 0, "1.5x", 8, "~~~~~~~~", 8, 0, kNoRecord, -1},
     FetchCase{"NoRoom",             kNumeric, kFlt, 0, "0.5", 3, "~~~", 3, 0, kNoRecord, -1},
     FetchCase{"Null",               kNumeric, kFlt, 0, "", 8, "~~~~~~~~", 0, -1, kNoRecord, 0, 1405},
-    FetchCase{"Binary",             kNumeric, kFlt, 1, wire("-12.5"), 8, native(-12.5), 8},
-    FetchCase{"BinaryInexact",      kNumeric, kFlt, 1, wire("0.1"), 4, native(0.1f), 4, 0, 1426, 1},
+    FetchCase{"Binary",             kNumeric, kFlt, 1, wireNumeric("-12.5"), 8, native(-12.5), 8},
+    FetchCase{"BinaryInexact",      kNumeric, kFlt, 1, wireNumeric("0.1"), 4, native(0.1f), 4, 0, 1426, 1},
     FetchCase{"BinaryCut",          kNumeric, kFlt, 1, "1234567", 8, "~~~~~~~~", 8, 0, kNoRecord, -1},
     FetchCase{"OtherFormat",        kNumeric, kFlt, 2, "5", 8, "~~~~~~~~", 8, 0, kNoRecord, -1}),
     nameOf<FetchCase>);
@@ -95,8 +83,9 @@ TEST_F(FetchNumeric, RandomIntegersArriveInBothFormats) {
     const auto wide = static_cast<sb8>(random()) >> (random() % 64);
     const std::string number = std::to_string(wide);
     expectFetch(session, {"text", kNumeric, kInt, 0, number, 8, native(wide), 8});
-    expectFetch(session, {"binary", kNumeric, kInt, 1, wire(number), 8, native(wide), 8});
-    expectFetch(session, {"float", kNumeric, kFlt, 1, wire(number), 8,
+    expectFetch(session,
+                {"binary", kNumeric, kInt, 1, wireNumeric(number), 8, native(wide), 8});
+    expectFetch(session, {"float", kNumeric, kFlt, 1, wireNumeric(number), 8,
                           native(static_cast<double>(wide)), 8});
   }
 }

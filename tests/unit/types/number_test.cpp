@@ -9,17 +9,6 @@ namespace {
 
 constexpr std::size_t kRoom = zev::kVarnumSize + 2;
 
-std::string hex(const std::string &bytes) {
-  std::string out;
-  char two[4];
-  for (const char c : bytes) {
-    std::snprintf(two, sizeof two, "%02X ", static_cast<unsigned char>(c));
-    out += two;
-  }
-  if (!out.empty()) out.pop_back();
-  return out;
-}
-
 /// The NUMBER of a text in hexadecimal, "bad" where it is refused.
 std::string number(const std::string &text) {
   const auto s = exactCopy(text + '\0');
@@ -251,7 +240,7 @@ TEST(NumberToText, ARefusedLengthOfOneStillWritesItsStart) {
 TEST(NumberToText, OfNumbers) {
   EXPECT_EQ(textOfNumber("\xC2\x02\x18\x2E"), "0.012345E4");
   EXPECT_EQ(textOfNumber("\x3D\x64\x4E\x38\x66"), "-0.012345E4");
-  EXPECT_EQ(textOfNumber("\x80"), "0.E-128");             // zero has no form of its own
+  EXPECT_EQ(textOfNumber("\x80"), "0.E-128");  // zero has no form of its own
   EXPECT_EQ(textOfNumber("\xC1\x65"), "0.100E2");
   EXPECT_EQ(textOfNumber("\xC1\x67"), "bad");
   EXPECT_EQ(textOfNumber("\xC1\x02\x66"), "bad");

@@ -1,7 +1,28 @@
 #include "types_fixture.h"
 
+#include "types/numeric.h"
 #include "zevoci/conversion.h"
 #include "zevoci/string_value.h"
+
+std::string zevtest::hex(const std::string &bytes) {
+  std::string out;
+  char two[4];
+  for (const char c : bytes) {
+    std::snprintf(two, sizeof two, "%02X ", static_cast<unsigned char>(c));
+    out += two;
+  }
+  if (!out.empty()) out.pop_back();
+  return out;
+}
+
+std::string zevtest::wireNumeric(const std::string &number) {
+  numeric *record = nullptr;
+  EXPECT_EQ(ConvertStringToNumeric(number.c_str(), &record), 0);
+  const std::unique_ptr<numeric, decltype(&std::free)> owned(record, std::free);
+  const std::size_t size = zev::numericSize(record->ndigits);
+  ConvertNumericFromHostToNetOrder(record);
+  return {reinterpret_cast<char *>(record), size};
+}
 
 namespace {
 

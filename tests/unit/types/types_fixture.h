@@ -93,6 +93,12 @@ inline std::unique_ptr<char[]> exactCopy(const std::string &bytes) {
   return block;
 }
 
+/// Bytes in hexadecimal, as "C1 02".
+std::string hex(const std::string &bytes);
+
+/// The binary form of a numeric in text.
+std::string wireNumeric(const std::string &number);
+
 /// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
 inline std::mt19937_64 generator() {
   const char *given = std::getenv("ZEVOCI_TEST_SEED");
