@@ -82,6 +82,16 @@ void forEachCall(const Pair &pair, const Visit &visit) {
   sweep(2, "1");
 }
 
+/// Lengths at which members draw a line.
+constexpr std::size_t kLimits[] = {2000, 4000, 65533, 65535, 65536, 70000};
+
+/// Members that have no null rule, or skip it in large targets.
+bool needsAValue(const Pair &pair) {
+  const bool isNumber = pair.dty == SQLT_NUM || pair.dty == SQLT_VNU;
+  return pair.dty == SQLT_RSET || (pair.oid == NUMERICOID && isNumber) ||
+         (model::isCharacterRow(pair.oid) && pair.dty == SQLT_NUM);
+}
+
 class MatrixTest : public testing::TestWithParam<Pair> {
  protected:
   /// Calls the converter itself, in a target that is larger than it is told.
@@ -120,6 +130,71 @@ class MatrixTest : public testing::TestWithParam<Pair> {
     if (!agree(*expected, seen, bytes)) mismatch(call, *expected, seen);
   }
 
+  /// Values as long as the limits, and one more.
+  void checkLongValues() {
+    for (const std::size_t limit : kLimits) {
+      for (const std::size_t length : {limit, limit + 1}) {
+        for (const ub4 cap :
+             {10u, static_cast<ub4>(limit), static_cast<ub4>(limit) + 8}) {
+          for (const bool indicator : {true, false}) {
+            const Call call{.oid = GetParam().oid,
+                            .dty = GetParam().dty,
+                            .value = std::string(length, '1'),
+                            .cap = cap,
+                            .indicator = indicator,
+                            .stringSize = cap};
+            checkConverter(call);
+          }
+        }
+      }
+    }
+  }
+
+  /// No value at all, which is null whatever its length.
+  void checkNullPointers() {
+    if (needsAValue(GetParam())) return;
+    for (const ub4 cap : {4u, 8u, 30u}) {
+      for (const ub1 format : {ub1{0}, ub1{1}}) {
+        for (const bool indicator : {true, false}) {
+          const bool noLength = model::isCharacterRow(GetParam().oid);
+          const Call call{.oid = GetParam().oid,
+                          .dty = GetParam().dty,
+                          .format = format,
+                          .value = noLength ? "" : "12345678",
+                          .cap = cap,
+                          .indicator = indicator,
+                          .stringSize = 8,
+                          .nullPointer = true};
+          checkConverter(call);
+        }
+      }
+    }
+  }
+
+  /// Random fields through the converter and through the dispatcher.
+  void checkRandomValues() {
+    auto random = generator();
+    const auto below = [&](unsigned n) { return static_cast<ub4>(random() % n); };
+    const auto environments = environmentsFor(GetParam().oid);
+    for (int i = 0; i < 2000; ++i) {
+      const bool isBinary = below(4) == 0;
+      const std::string value = isBinary ? model::randomBinary(GetParam().oid, random)
+                                         : model::randomText(GetParam().oid, random);
+      const Call call{.oid = GetParam().oid,
+                      .dty = GetParam().dty,
+                      .format = static_cast<ub1>(isBinary),
+                      .value = value,
+                      .cap = below(below(2) ? 10 : 40),
+                      .indicator = below(3) != 0,
+                      .returnCode = below(3) != 0,
+                      .env = environments[below(static_cast<ub4>(environments.size()))],
+                      .stringSize = below(40)};
+      checkConverter(call);
+      checkDispatcher(call);
+    }
+  }
+
+  /// Prints the first few of a pair.
   void mismatch(const Call &call, const Outcome &expected, const Outcome &seen) {
     ++mismatches_;
     if (mismatches_ > kPrintedMismatches) return;
@@ -143,84 +218,14 @@ class MatrixTest : public testing::TestWithParam<Pair> {
 TEST_P(MatrixTest, ConverterDoesAsTheModel) {
   ASSERT_NE(converterOf(GetParam()), nullptr) << "the converter is missing";
   forEachCall(GetParam(), [&](const Call &call) { checkConverter(call); });
+  checkLongValues();
+  checkNullPointers();
+  checkRandomValues();
 }
 
 TEST_P(MatrixTest, DispatcherStaysInsideTheTarget) {
   ASSERT_NE(converterOf(GetParam()), nullptr) << "the converter is missing";
   forEachCall(GetParam(), [&](const Call &call) { checkDispatcher(call); });
-}
-
-TEST_P(MatrixTest, RandomValues) {
-  auto random = generator();
-  const auto below = [&](unsigned n) { return static_cast<ub4>(random() % n); };
-  const auto environments = environmentsFor(GetParam().oid);
-  for (int i = 0; i < 2000; ++i) {
-    const bool isBinary = below(4) == 0;
-    const std::string value = isBinary ? model::randomBinary(GetParam().oid, random)
-                                       : model::randomText(GetParam().oid, random);
-    const Call call{.oid = GetParam().oid,
-                    .dty = GetParam().dty,
-                    .format = static_cast<ub1>(isBinary),
-                    .value = value,
-                    .cap = below(below(2) ? 10 : 40),
-                    .indicator = below(3) != 0,
-                    .returnCode = below(3) != 0,
-                    .env = environments[below(static_cast<ub4>(environments.size()))],
-                    .stringSize = below(40)};
-    checkConverter(call);
-    checkDispatcher(call);
-  }
-}
-
-/// Lengths at which members draw a line.
-constexpr std::size_t kLimits[] = {2000, 4000, 65533, 65535, 65536, 70000};
-
-TEST_P(MatrixTest, LongValues) {
-  for (const std::size_t limit : kLimits) {
-    for (const std::size_t length : {limit, limit + 1}) {
-      for (const ub4 cap : {10u, static_cast<ub4>(limit), static_cast<ub4>(limit) + 8}) {
-        for (const bool indicator : {true, false}) {
-          const Call call{.oid = GetParam().oid,
-                          .dty = GetParam().dty,
-                          .value = std::string(length, '1'),
-                          .cap = cap,
-                          .indicator = indicator,
-                          .stringSize = cap};
-          checkConverter(call);
-        }
-      }
-    }
-  }
-}
-
-/// Members that have no null rule, or skip it in large targets.
-bool needsAValue(const Pair &pair) {
-  const bool isNumber = pair.dty == SQLT_NUM || pair.dty == SQLT_VNU;
-  return pair.dty == SQLT_RSET || (pair.oid == NUMERICOID && isNumber) ||
-         (model::isCharacterRow(pair.oid) && pair.dty == SQLT_NUM);
-}
-
-TEST_P(MatrixTest, ANullPointerIsANullValue) {
-  if (needsAValue(GetParam())) {
-    calls_ = 1;
-    return;
-  }
-  for (const ub4 cap : {4u, 8u, 30u}) {
-    for (const ub1 format : {ub1{0}, ub1{1}}) {
-      for (const bool indicator : {true, false}) {
-        const bool noLength = model::isCharacterRow(GetParam().oid);
-        const Call call{.oid = GetParam().oid,
-                        .dty = GetParam().dty,
-                        .format = format,
-                        .value = noLength ? "" : "12345678",
-                        .cap = cap,
-                        .indicator = indicator,
-                        .stringSize = 8,
-                        .nullPointer = true};
-        checkConverter(call);
-      }
-    }
-  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Fetch, MatrixTest, testing::ValuesIn(model::modelledPairs()),
