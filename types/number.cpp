@@ -29,51 +29,69 @@ bool readExponent(const char *s, long &exponent) {
   return parsed.end != s && exponent >= -kExponentLimit && exponent <= kExponentLimit;
 }
 
-/// Whether `s` is one character and then nothing but zeros.
-bool onlyZerosFollow(const char *s) {
-  do {
-    ++s;
-  } while (*s == '0');
-  return *s == '\0';
+const char *skipZeros(const char *s) {
+  while (*s == '0') ++s;
+  return s;
 }
 
-/// Reads decimal text into `digits`, which has room for the text.
-Parse parseDecimal(const char *s, ub1 *digits, Decimal &out) {
-  if (::strnlen(s, kLongestText + 1) > kLongestText) return Parse::Bad;
-  s = skipSpace(s);
+/// Whether the text at `s`, which goes on at `inside`, is beyond what can be measured.
+bool tooLong(const char *s, const char *inside) {
+  const auto known = static_cast<std::size_t>(inside - s);
+  return known > kLongestText ||
+         known + ::strnlen(inside, kLongestText + 1) > kLongestText;
+}
+
+/// Stores a run of digits, among which "," counts for nothing if `Grouped`, from `s` to
+/// `out`, which it advances. The end of the run; null when there are too many.
+template <bool Grouped>
+const char *storeDigits(const char *s, ub1 *&out, const ub1 *limit) {
+  for (;; ++s) {
+    const auto digit = static_cast<ub1>(*s - '0');
+    if (digit <= 9) {
+      if (out == limit) return nullptr;
+      *out++ = digit;
+    } else if (!Grouped || *s != ',') {
+      return s;
+    }
+  }
+}
+
+/// Reads decimal text into `digits`, which has room for the text or for one digit more
+/// than kLongestText.
+Parse parseDecimal(const char *text, ub1 *digits, Decimal &out) {
+  const char *s = skipSpace(text);
   if (*s == '-' || *s == '+') out.negative = *s++ == '-';
-  while (*s == '0') ++s;
-  if (*s == '\0') return Parse::Zero;
-  if ((*s == '.' || *s == ',') && onlyZerosFollow(s)) return Parse::Zero;
-  bool fraction = *s == '.';
-  if (fraction) ++s;
-  if (!isDigit(*s)) return Parse::Bad;
+  s = skipZeros(s);
+  const bool pointFirst = *s == '.';
+  if (pointFirst || *s == ',' || *s == '\0') {
+    const char *const end = *s == '\0' ? s : skipZeros(s + 1);
+    if (*end == '\0') return tooLong(text, end) ? Parse::Bad : Parse::Zero;
+  }
+  if (!isDigit(s[pointFirst])) return Parse::Bad;
 
   ub1 *end = digits;
-  long exponent = 0;
-  int decimals = 0;
-  const char *run = s;  // behind the last character that is not 0
-  for (;; ++s) {
-    if (isDigit(*s)) {
-      decimals += fraction;
-      if (*s == '0' && end == digits) continue;
-      *end++ = static_cast<ub1>(*s - '0');
-      if (*s != '0') run = s + 1;
-      continue;
-    }
-    if (*s == '.' || *s == ',') {
-      if (fraction) return Parse::Bad;
-      fraction = *s == '.';
-      run = s + 1;
-      continue;
-    }
-    break;
+  const ub1 *const limit = digits + kLongestText + 1;
+  if (!pointFirst) s = storeDigits<true>(s, end, limit);
+  const char *fraction = s;
+  if (s && *s == '.') {
+    fraction = ++s;
+    s = storeDigits<false>(pointFirst ? skipZeros(s) : s, end, limit);
+    if (s && (*s == '.' || *s == ',')) return Parse::Bad;
   }
-  if ((*s == 'e' || *s == 'E') && !readExponent(s + 1, exponent)) return Parse::Bad;
+  if (!s) return Parse::Bad;
+  long exponent = fraction - s;
   // Zeros that end the text are not kept; elsewhere they are.
-  const long trailing = *s == '\0' ? s - run : 0;
-  out.count = static_cast<ub1>(end - digits - trailing);
-  out.exponent = static_cast<ub1>(trailing + exponent - decimals);
+  const char *kept = s;
+  if (*s == '\0') {
+    while (kept[-1] == '0') --kept;
+  } else if (*s == 'e' || *s == 'E') {
+    long written = 0;
+    if (!readExponent(s + 1, written)) return Parse::Bad;
+    exponent += written;
+  }
+  if (tooLong(text, s)) return Parse::Bad;
+  out.count = static_cast<ub1>(end - digits - (s - kept));
+  out.exponent = static_cast<ub1>(exponent + (s - kept));
   return Parse::Number;
 }
 

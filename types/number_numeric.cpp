@@ -107,16 +107,18 @@ int mantissaOf(const numeric &v, bool positive, ub1 *out) {
 
 /// Writes a NUMBER into `out` and returns its size; 0 for what is not a number.
 std::size_t numberFromRecord(const numeric &v, ub1 *out) {
-  if (v.sign == kNumericNaN) return 0;
-  if (v.ndigits == 0) {
+  // The server's infinities have the top bit too, and no digits.
+  if (v.sign & 0x8000) return 0;
+  const bool positive = (v.sign & 0xC000) == 0;
+  const int mantissa = mantissaOf(v, positive, out + 1);
+  if (mantissa == 0) {
     out[0] = kZero;
     return 1;
   }
-  const bool positive = (v.sign & 0xC000) == 0;
   const int doubled = v.dscale - v.weight;
   const int exponent = (doubled + (doubled & 1)) / 2;
   out[0] = static_cast<ub1>(positive ? (exponent + 64) | 0x80 : 63 - exponent);
-  auto size = static_cast<std::size_t>(mantissaOf(v, positive, out + 1)) + 1;
+  auto size = static_cast<std::size_t>(mantissa) + 1;
   if (!positive && size < kNumberSize) out[size++] = 102;
   return size;
 }

@@ -194,6 +194,26 @@ TEST(NumericToNumber, ZeroNotANumberAndNull) {
   EXPECT_EQ(ConvertNumericToVARNUMBER(nullptr, out), -1);
 }
 
+Record recordOf(ub2 sign, const std::vector<sb2> &digits) {
+  numeric *v = nullptr;
+  EXPECT_EQ(alloc_var(&v, static_cast<int>(digits.size())), 0);
+  v->weight = v->dscale = 0;
+  v->sign = sign;
+  std::copy(digits.begin(), digits.end(), v->digits);
+  return {v, std::free};
+}
+
+TEST(NumericToNumber, TheServersInfinitiesAreNoNumbers) {
+  EXPECT_EQ(varnumFrom(recordOf(0xD000, {})), "bad");
+  EXPECT_EQ(varnumFrom(recordOf(0xF000, {})), "bad");
+  EXPECT_EQ(varnumFrom(recordOf(0x8000, {1})), "bad");
+}
+
+TEST(NumericToNumber, ARecordOfZerosIsZero) {
+  EXPECT_EQ(varnumFrom(recordOf(kNumericPositive, {0, 0})), "01 80");
+  EXPECT_EQ(varnumFrom(recordOf(kNumericNegative, {0})), "01 80");
+}
+
 TEST(NumericToNumber, DigitsBeyondTheMantissaAreCut) {
   const std::string d60(60, '7');
   EXPECT_EQ(varnumFrom(recordOfText(d60)).size(), zev::kVarnumSize * 3 - 1);

@@ -116,6 +116,12 @@ TEST(Number, FormsOfText) {
   for (const TextForm &f : forms) EXPECT_EQ(number(f.text), f.number) << f.text;
 }
 
+TEST(Number, ExponentsBeyondALongAreRefused) {
+  for (const char *s : {"1E99999999999999999999", "1E-99999999999999999999"}) {
+    EXPECT_EQ(number(s), "bad") << s;
+  }
+}
+
 TEST(Number, RefusedText) {
   for (const char *s :
        {"abc", "-abc",  "x00",    "1.000,5", "1.2.3", ".1,2",
