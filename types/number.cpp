@@ -182,6 +182,8 @@ sword numberToText(ub1 exponentByte, const ub1 *mantissa, int count, char *out) 
 }  // namespace
 }  // namespace zev
 
+extern "C" constexpr OCINumber OCIZero = {{1, 0x80}};
+
 extern "C" sword ParseNumber(const char *s, ub1 *sign, ub1 *exponent, ub1 *digits,
                              ub1 *count) {
   if (!s || !sign || !exponent || !digits || !count) return -1;
