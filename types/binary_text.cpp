@@ -136,7 +136,7 @@ sword binaryToTextLength(OCIError *errhp, const void *value, sb4 valueLength, sb
   const std::string_view bytes = fieldChars(value, valueLength);
   const std::size_t taken = bytesWithRoom(bytes, length);
   if (bytes.empty()) *length = 0;
-  if (taken != 0) *length = kDigitPairs[static_cast<ub1>(bytes[0])][0];
+  if (taken != 0) *length = static_cast<ub1>(kDigitPairs[static_cast<ub1>(bytes[0])][0]);
   return finishBinary(errhp, bytes.size(), taken, indicator);
 }
 
@@ -177,7 +177,8 @@ sword ConvertBinaryToString(OCIError *errhp, const void *value, sb4 valueLength,
   if (bytes.empty() && *length > 0) *length = 0;
   sb4 *word = length;
   for (const char byte : bytes.substr(0, taken)) {
-    for (const char digit : zev::kDigitPairs[static_cast<ub1>(byte)]) *word++ = digit;
+    for (const char digit : zev::kDigitPairs[static_cast<ub1>(byte)])
+      *word++ = static_cast<ub1>(digit);
   }
   return zev::finishBinary(errhp, bytes.size(), taken, indicator);
 }

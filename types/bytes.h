@@ -31,7 +31,8 @@ inline void copyBytes(void *to, const void *from, std::size_t size) {
 template <class T>
 T readNative(const void *p) {
   T value;
-  std::memcpy(&value, p, sizeof value);
+  std::memcpy(&value, p,
+              sizeof(T));  // NOLINT(bugprone-sizeof-expression): T may be a pointer
   return value;
 }
 

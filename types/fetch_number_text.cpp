@@ -233,8 +233,8 @@ constexpr auto printLongRawFloat8 = printFloat<double, 17, FALSE, Order::AsItSta
 // What all members of a row have, beside the first columns of the table.
 #define FLOAT4_STR   .missing = 1, .minCap = 1
 #define FLOAT8_STR   .missing = 1, .minCap = 1, .null = Null::Missing, .minValue = 4
-#define FLOAT_COUNTED(width) .missing = width, .minCap = 2
-#define NUMERIC(max) .null = Null::EmptyAndClearsLength, .maxValue = max
+#define FLOAT_COUNTED(width) .missing = (width), .minCap = 2
+#define NUMERIC(max) .null = Null::EmptyAndClearsLength, .maxValue = (max)
 
 // A member, how a binary field is printed, the layout, what a text needs beyond its
 // characters to fit, and what happens where it does not.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <string_view>
 
 #include "types/number_text.h"
 
@@ -102,7 +103,7 @@ enum class Form { Number, Varnum };
 /// one behind the last. Returns the bytes written.
 template <Form Rule>
 std::size_t pack(const Decimal &decimal, const ub1 *digits, ub1 *out) {
-  const int power = static_cast<sb1>(decimal.count + decimal.exponent);
+  const auto power = static_cast<sb1>(decimal.count + decimal.exponent);
   const int odd = power & 1;
   const int exponent = (power + odd) / 2;
   out[0] = static_cast<ub1>(decimal.negative ? 63 - exponent : (exponent + 64) | 0x80);
@@ -187,7 +188,7 @@ sword numberToText(ub1 exponentByte, const ub1 *mantissa, int count, char *out) 
     *out++ = static_cast<char>('0' + digit / 10);
     *out++ = static_cast<char>('0' + digit % 10);
   }
-  const int power = powerOfTen(exponentByte);
+  const sb1 power = powerOfTen(exponentByte);
   if (power != 0) {
     *out++ = 'E';
     out = std::to_chars(out, out + 4, power).ptr;
@@ -198,6 +199,8 @@ sword numberToText(ub1 exponentByte, const ub1 *mantissa, int count, char *out) 
 
 }  // namespace
 }  // namespace zev
+
+extern "C" constexpr OCINumber OCIZero = {{1, 0x80}};
 
 extern "C" sword ParseNumber(const char *s, ub1 *sign, ub1 *exponent, ub1 *digits,
                              ub1 *count) {
@@ -232,7 +235,10 @@ extern "C" sword ConvertNUMBERToString(const ub1 *n, char *out) {
 extern "C" sword ConvertVARNUMToString(const ub1 *n, char *out) {
   if (!n || !out || n[0] < 1 || n[0] > zev::kNumberSize) return -1;
   if (n[0] > 1) return zev::numberToText<zev::Form::Varnum>(n[1], n + 2, n[0] - 1, out);
-  std::strcpy(out, n[1] == 0x80 ? "0.0" : zev::isNegative(n[1]) ? "-0." : "0.");
+  const std::string_view start = n[1] == 0x80            ? "0.0"
+                                 : zev::isNegative(n[1]) ? "-0."
+                                                         : "0.";
+  out[start.copy(out, start.size())] = '\0';
   return n[1] == 0x80 ? 0 : -1;
 }
 

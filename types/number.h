@@ -9,6 +9,8 @@
 /// bytes at most. Zero is 01 80.
 #pragma once
 
+#include <oci.h>
+
 #include "types/numeric.h"
 
 namespace zev {
@@ -17,17 +19,21 @@ inline constexpr ub4 kVarnumSize = 22;  ///< longest VARNUM
 }  // namespace zev
 
 extern "C" {
-/// Splits decimal text into digits (one a byte, no zeros at either end), a sign (1 plus,
-/// 0 minus, as the caller set it when the text has none) and the power of ten of the last
-/// digit. "," groups the integer part; what follows the number is ignored. `digits` has
-/// room for as many bytes as the text. 0; 1 for zero or empty text; -1 for bad text, an
-/// exponent outside -126 to 126, null arguments and texts that 8-bit counts cannot
-/// measure (254 characters and more).
+/// The number zero as a VARNUM.
+extern ZEV_HELPER const OCINumber OCIZero;
+
+/// Splits decimal text into digits (one a byte, without zeros in front and, where the
+/// digits end the text, behind), a sign (1 plus, 0 minus, as the caller set it when the
+/// text has none) and the power of ten of the last digit. "," groups the integer part;
+/// what follows the number is ignored. `digits` has room for as many bytes as the text.
+/// 0; 1 for zero or empty text; -1 for bad text, an exponent outside -126 to 126, null
+/// arguments and texts that 8-bit counts cannot measure (254 characters and more).
 ZEV_HELPER sword ParseNumber(const char *s, ub1 *sign, ub1 *exponent, ub1 *digits,
                              ub1 *count);
 
-/// Text to number: `out` has room for the longest form. Digits that do not fit are cut.
-/// 0, or -1 for bad text with `out` as it was.
+/// Text to number: `out` has room for 22 bytes, since a terminator may stand behind the
+/// longest NUMBER. Digits that do not fit are cut, and a power of ten beyond 8 bits
+/// wraps. 0, or -1 for bad text with `out` as it was.
 ZEV_HELPER sword ConvertStringToNUMBER(const char *s, ub1 *out);
 ZEV_HELPER sword ConvertStringToVARNUM(const char *s, ub1 *out);
 /// Number to text "0.xxxxEn" with a NUL, in at most 72 bytes of `out`. 0, or -1 for a bad

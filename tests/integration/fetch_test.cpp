@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "tests/integration/support/oci_test.h"
+#include "zevoci/lob_locator.h"
 
 namespace zev::test {
 namespace {
@@ -358,6 +359,30 @@ INSTANTIATE_TEST_SUITE_P(Roads, LongFetchTest, testing::Values(1u, 2u),
                          [](const auto &road) {
                            return road.param == 1 ? "Declared" : "Portal";
                          });
+
+TEST_F(FetchTest, LargeObjectNumbersArriveInLocators) {
+  // The environment lets go of a locator without freeing it.
+  static OCILobLocator *kept;
+  void *made = nullptr;
+  ASSERT_EQ(OCIDescriptorAlloc(env(), &made, OCI_DTYPE_LOB, 0, nullptr), OCI_SUCCESS);
+  auto *locator = kept = static_cast<OCILobLocator *>(made);
+  Statement stmt =
+      statement("SELECT * FROM (VALUES (4294967295::oid), (5), (NULL), (7)) v (o)");
+  sb2 indicator = 0;
+  stmt.define(1, &locator, sizeof locator, SQLT_BLOB, &indicator);
+  EXPECT_EQ(stmt.execute(1), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(locator->loOid, 4294967295u);
+
+  // What is no locator is refused, and the row behind it arrives.
+  locator = reinterpret_cast<OCILobLocator *>(errhp());
+  EXPECT_EQ(stmt.fetch(), OCI_ERROR);
+  expectError(1733);
+  locator = kept;
+  EXPECT_EQ(stmt.fetch(), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(indicator, -1);
+  EXPECT_EQ(stmt.fetch(), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(locator->loOid, 7u);
+}
 
 }  // namespace
 }  // namespace zev::test

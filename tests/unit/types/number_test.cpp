@@ -68,6 +68,12 @@ TEST(Number, WorkedExamples) {
   }
 }
 
+TEST(Number, ZeroIsAConstant) {
+  const std::string zero(reinterpret_cast<const char *>(&OCIZero), sizeof OCIZero);
+  EXPECT_EQ(zero, "\x01\x80" + std::string(20, '\0'));
+  EXPECT_EQ(textOfVarnum(zero), "0.0");
+}
+
 struct TextForm {
   const char *text, *number;
 };
