@@ -54,6 +54,8 @@ INSTANTIATE_TEST_SUITE_P(Integers, BindNumber, testing::Values(
     BindCase{"ThreeBytesToInt8", kToInt8, "\x01\x02\x03", 3, network<sb8>(0), 1},
     BindCase{"BeyondThirtyTwoBitsToInt8", kToInt8, native<sb8>(4294967301), 8, network<sb8>(4294967301), 1},
     BindCase{"UnsignedByteArrivesNegative", kToInt4, "\xC8", 1, network<sb4>(-56), 1},
+    BindCase{"UnsignedByteArrivesNegativeInInt2", kToInt2, "\xC8", 1, network<sb2>(-56), 1},
+    BindCase{"UnsignedByteArrivesNegativeInInt8", kToInt8, "\xC8", 1, network<sb8>(-56), 1},
     BindCase{"NoBytesToChar", kToChar, "", 0, "", 1, 0, kNoRecord, true},
     BindCase{"NoBytesToInt2", kToInt2, "", 0, "", 1, 0, kNoRecord, true},
     BindCase{"NoBytesToInt4", kToInt4, "", 0, "", 1, 0, kNoRecord, true},

@@ -87,6 +87,8 @@ INSTANTIATE_TEST_SUITE_P(Strings, BindText, testing::Values(
     BindCase{"StrEndsAtTheLastNulOfTheBuffer", kStr, inBuffer("abc", 8), 8, "abc\0"s, 0},
     BindCase{"StrOfEmptyTextInTwoBytesIsNull", kStr, "\0#"s, 2, "", 0, 0, kNoRecord, true},
     BindCase{"StrInOneByteFails", kStr, "\0"s, 1, "", 0, -1},
+    BindCase{"StrInNoBytesFails", kStr, "", 0, "", 0, -1},
+    BindCase{"StrEndsAtANulInItsSecondByte", kStr, "a\0##"s, 4, "a\0"s, 0},
     BindCase{"StrWithoutNul", kStr, "abcd", 4, "", 0, -1, 1480},
     BindCase{"StrWithItsOnlyNulInFront", kStr, "\0abc"s, 4, "", 0, -1, 1480},
     BindCase{"StrOfFourThousandBytes", kStr, std::string(3999, 'x') + '\0', 4000,
@@ -116,6 +118,9 @@ INSTANTIATE_TEST_SUITE_P(Members, BindTextUtf16, testing::Values(
     BindCase{"Lvc", kLvc, lvc(6, utf16("abc")), 10, "abc\0"s, 0},
     BindCase{"Str", kStr, utf16("abc\0"s), 8, "abc\0"s, 0},
     BindCase{"StrOfEmptyTextIsNull", kStr, "\0\0"s, 2, "", 0, 0, kNoRecord, true},
+    BindCase{"StrOfOneCharacterHasNoNul", kStr, utf16("a"), 2, "", 0, -1, 1480},
+    BindCase{"StrAboveFourThousandBytesOnceConverted", kStr, utf16(std::string(4000, 'x') + '\0'), 8002, "", 0, -1, 1480},
+    BindCase{"LngLosesTrailingBlanksOnceConverted", kLng, utf16("a  "), 6, "a\0"s, 0},
     BindCase{"StrOfHalfACharacterAndANul", kStr, "\0\0\0"s, 3, "", 0, -1, -1},
     BindCase{"HalfACharacter", kChr, "a\0b"s, 3, "", 0, -1, -1},
     BindCase{"LoneSurrogate", kChr, "\x00\xDC"s, 2, "", 0, -1, -1}),
@@ -217,6 +222,14 @@ TEST_F(BindStringValue, TooLongATextFailsWithoutARecord) {
   EXPECT_EQ(convert(8), -1);
   EXPECT_EQ(length, 0u);
   EXPECT_EQ(session.takeRecord(), kNoRecord);
+}
+
+TEST_F(BindStringValue, LongestTextIsSent) {
+  std::string longest(65533, 'x');
+  string = {65533, 65533, reinterpret_cast<OraText *>(longest.data())};
+  ASSERT_EQ(convert(65535), 0);
+  EXPECT_EQ(length, 65534u);
+  EXPECT_EQ(static_cast<char *>(out), longest);
 }
 
 TEST_F(BindStringValue, TooLargeABufferFailsWithoutARecord) {
