@@ -112,7 +112,8 @@ sword ConvertCHAROIDToSQLT_LVC(FETCH_PARAMS) {
 }
 
 sword ConvertCHAROIDToSQLT_NUM(FETCH_PARAMS) {
-  return zev::fetchNumber<zev::kNumberSize, ConvertStringToNUMBER>(FETCH_ARGUMENTS);
+  return zev::fetchNumber<zev::kNumberSize, zev::convertStringToWholeNumber>(
+      FETCH_ARGUMENTS);
 }
 sword ConvertCHAROIDToSQLT_VNU(FETCH_PARAMS) {
   return zev::fetchNumber<4, ConvertStringToVARNUM>(FETCH_ARGUMENTS);

@@ -92,11 +92,9 @@ sword ConvertTEXTOIDToSQLT_NUM(FETCH_PARAMS) {
   if (!targetLength || *targetLength > SB4MAXVAL || !target) return -1;
   if (format > zev::kFieldBinary) return -1;
   if (*targetLength < 2) return zev::fail(errhp, 1406);
-  // A negative number's terminator may stand behind the longest mantissa.
-  ub1 number[zev::kNumberSize + 1] = {};
-  const sword status = ConvertStringToNUMBER(static_cast<const char *>(value), number);
+  const sword status = zev::convertStringToWholeNumber(static_cast<const char *>(value),
+                                                       static_cast<ub1 *>(target));
   if (status != 0) return zev::record(errhp, 1722, status);
-  std::memcpy(target, number, zev::kNumberSize);
   *targetLength = zev::kNumberSize;
   return 0;
 }

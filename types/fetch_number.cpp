@@ -29,7 +29,7 @@ template <Result Rule>
 sword storeNumber(const char *s, void *target, ub4 *targetLength) {
   auto *out = static_cast<ub1 *>(target);
   constexpr auto kConvert =
-      Rule == Result::Number ? ConvertStringToNUMBER : ConvertStringToVARNUM;
+      Rule == Result::Number ? convertStringToWholeNumber : ConvertStringToVARNUM;
   if (kConvert(s, out) != 0) return -1;
   if constexpr (Rule == Result::Number) *targetLength = kNumberSize;
   if constexpr (Rule == Result::VarnumAndCount) *targetLength = out[0];
@@ -153,9 +153,11 @@ extern "C" sword ConvertNUMERICOIDToSQLT_NUM(FETCH_PARAMS) {
     return zev::deliverNull(errhp, indicator, returnCode);
   }
   if (format > zev::kFieldBinary) return -1;
+  ub1 number[zev::kNumberSize + 1] = {};
   const sword status = zev::convertNumeric<ConvertNumericToNUMBER, ConvertStringToNUMBER>(
-      value, valueLength, format, target);
+      value, valueLength, format, number);
   if (status != 0) return zev::record(errhp, 1722, status);
+  std::memcpy(target, number, zev::kNumberSize);
   *targetLength = zev::kNumberSize;
   return 0;
 }

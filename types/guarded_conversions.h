@@ -21,6 +21,7 @@ namespace zev {
 /// more.
 template <FromServerConverter Fetch, ub4 PerByte, ub4 Fixed>
 sword fetchGuarded(FETCH_PARAMS) {
+  if (!target || !targetLength) return -1;
   const ub4 cap = *targetLength;
   const std::size_t most =
       static_cast<std::size_t>(std::max(valueLength, 0)) * PerByte + Fixed;

@@ -242,6 +242,13 @@ extern "C" sword ConvertVARNUMToString(const ub1 *n, char *out) {
   return n[1] == 0x80 ? 0 : -1;
 }
 
+sword zev::convertStringToWholeNumber(const char *s, ub1 *out) {
+  ub1 number[kNumberSize + 1] = {};
+  if (ConvertStringToNUMBER(s, number) != 0) return -1;
+  std::memcpy(out, number, kNumberSize);
+  return 0;
+}
+
 sword zev::convertStringToShortVarnum(const char *s, ub1 *out) {
   ub1 number[kNumberSize + 1];
   const std::size_t size = s ? numberFromText<Form::Number>(s, number) : 0;

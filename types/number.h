@@ -54,6 +54,9 @@ ZEV_HELPER sword ConvertNumericToVARNUMBER(numeric *v, ub1 *out);
 }
 
 namespace zev {
+/// Text to the 21 bytes of a longest NUMBER, 0 behind a shorter one, so that its end
+/// shows whatever stood there. 0, or -1 for bad text with `out` as it was.
+sword convertStringToWholeNumber(const char *s, ub1 *out);
 /// Text to VARNUM with the digits that a NUMBER keeps, which are two less than a VARNUM's
 /// when an even count stands before the point. 0, or -1 for bad text.
 sword convertStringToShortVarnum(const char *s, ub1 *out);

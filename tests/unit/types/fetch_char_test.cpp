@@ -47,9 +47,9 @@ INSTANTIATE_TEST_SUITE_P(ToCharacters, FetchChar, testing::Values(
     nameOf<FetchCase>);
 
 INSTANTIATE_TEST_SUITE_P(ToNumbers, FetchChar, testing::Values(
-    FetchCase{"Num",                kChar, kNum, 0, "7", 21, "\xC1\x08" + std::string(19, '~'), 21},
-    FetchCase{"NumWholeText",       kChar, kNum, 0, "75", 21, "\xC1\x4C" + std::string(19, '~'), 21},
-    FetchCase{"NumBinaryIsOne",     kChar, kNum, 1, "75", 21, "\xC1\x08" + std::string(19, '~'), 21},
+    FetchCase{"Num",                kChar, kNum, 0, "7", 21, "\xC1\x08" + std::string(19, '\0'), 21},
+    FetchCase{"NumWholeText",       kChar, kNum, 0, "75", 21, "\xC1\x4C" + std::string(19, '\0'), 21},
+    FetchCase{"NumBinaryIsOne",     kChar, kNum, 1, "75", 21, "\xC1\x08" + std::string(19, '\0'), 21},
     FetchCase{"NumNoRoom",          kChar, kNum, 0, "7", 20, std::string(20, '~'), 20, 0, kNoRecord, -1},
     FetchCase{"NumBadText",         kChar, kNum, 0, "A", 21, std::string(21, '~'), 21, 0, kNoRecord, -1},
     FetchCase{"NumEmptyIsNull",     kChar, kNum, 0, "", 21, std::string(21, '~'), 21, -1, kNoRecord, 0, 1405},

@@ -289,7 +289,7 @@ struct NumberMember {
 TEST(NumericAsNumber, HasNoLengthByte) {
   NumberMember member;
   EXPECT_EQ(member.fetch("1.50", 0), 0);
-  EXPECT_EQ(std::string(member.target, 4), "\xC1\x02\x33~");
+  EXPECT_EQ(std::string(member.target, 22), "\xC1\x02\x33" + std::string(18, '\0') + "~");
   EXPECT_EQ(member.length, 21u);
   EXPECT_EQ(member.indicator, 0);
   EXPECT_EQ(member.fetch(wireNumeric("1.50"), 1), 0);

@@ -70,7 +70,7 @@ Outcome number(Run &run, long least, optional<string> (*encode)(const string &))
   if (run.call.format == 1) text = text.substr(0, 1);
   const optional<string> bytes = encode(text);
   if (!bytes) return run.fails();
-  run.put(0, *bytes);
+  run.put(0, encode == toNumber ? wholeNumber(*bytes) : *bytes);
   run.setLength(21);
   return run.returns(0);
 }

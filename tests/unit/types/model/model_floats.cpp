@@ -124,7 +124,7 @@ Outcome number(Run &run) {
   if (!text) return run.fails();
   const optional<string> bytes = withLength ? toVarnum(*text) : toNumber(*text);
   if (!bytes) return run.fails();
-  run.put(0, *bytes);
+  run.put(0, withLength ? *bytes : wholeNumber(*bytes));
   run.setLength(withLength ? (*bytes)[0] : 21);
   return run.returns(0);
 }

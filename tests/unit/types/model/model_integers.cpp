@@ -326,7 +326,7 @@ Outcome numberMember(Run &run) {
   }
   const optional<string> number = toNumber(text);
   if (!number) return run.fails();
-  run.put(0, *number);
+  run.put(0, wholeNumber(*number));
   run.setLength(21);
   return run.returns(0);
 }

@@ -110,6 +110,10 @@ std::optional<std::string> toNumber(const std::string &text) {
   return e.exponentByte + e.mantissa + (p.positive ? "" : "\x66");
 }
 
+std::string wholeNumber(const std::string &number) {
+  return (number + std::string(21, '\0')).substr(0, 21);
+}
+
 std::optional<std::string> toVarnum(const std::string &text) {
   const Parsed p = parseNumber(text);
   if (p.status < 0) return std::nullopt;

@@ -164,7 +164,7 @@ Outcome number(Run &run) {
   if (run.cap < 2) return run.failsWith(1406);
   const optional<string> bytes = toNumber(run.cText());
   if (!bytes) return run.failsWith(1722);
-  run.put(0, head(*bytes + string(21, '\0'), 21));
+  run.put(0, wholeNumber(*bytes));
   run.setLength(21);
   return run.returns(0);
 }

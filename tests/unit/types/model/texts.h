@@ -36,6 +36,9 @@ long long truncated(double x);
 
 /// Decimal text to the two forms of a number; nothing for bad text.
 std::optional<std::string> toNumber(const std::string &text);
+/// A NUMBER as it stands in its 21 bytes, which a full negative one passes by its
+/// terminator.
+std::string wholeNumber(const std::string &number);
 std::optional<std::string> toVarnum(const std::string &text);
 /// A NUMBER, or a VARNUM, as "0.xxxxEn"; nothing for a bad encoding.
 std::optional<std::string> numberText(const std::string &number);
