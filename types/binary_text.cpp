@@ -14,11 +14,6 @@ extern "C" constexpr char OracleBinaryStringReps[16] = {
 namespace zev {
 namespace {
 
-std::string_view fieldChars(const void *value, sb4 length) {
-  if (!value || length <= 0) return {};
-  return {static_cast<const char *>(value), static_cast<std::size_t>(length)};
-}
-
 std::size_t roomOf(const sb4 *length) {
   return static_cast<std::size_t>(std::max(*length, 0));
 }
@@ -133,7 +128,7 @@ sword finishBinary(OCIError *errhp, std::size_t size, std::size_t taken, sb2 *in
 sword binaryToTextLength(OCIError *errhp, const void *value, sb4 valueLength, sb4 *length,
                          sb2 *indicator) {
   clearIndicator(indicator);
-  const std::string_view bytes = fieldChars(value, valueLength);
+  const std::string_view bytes = fieldText(value, valueLength);
   const std::size_t taken = bytesWithRoom(bytes, length);
   if (bytes.empty()) *length = 0;
   if (taken != 0) *length = static_cast<ub1>(kDigitPairs[static_cast<ub1>(bytes[0])][0]);
@@ -147,7 +142,7 @@ extern "C" {
 sword ConvertPQBinStrToOCIBinStr(OCIError *errhp, const void *value, sb4 valueLength,
                                  char *out, sb4 *length, sb2 *indicator) {
   zev::clearIndicator(indicator);
-  std::string_view text = zev::fieldChars(value, valueLength);
+  std::string_view text = zev::fieldText(value, valueLength);
   const std::size_t room = zev::roomOf(length);
   if (zev::isHexForm(text)) {
     text = text.substr(2, room);
@@ -172,7 +167,7 @@ sword ConvertPQBinStrToOCIBinStr(OCIError *errhp, const void *value, sb4 valueLe
 sword ConvertBinaryToString(OCIError *errhp, const void *value, sb4 valueLength, char *,
                             sb4 *length, sb2 *indicator) {
   zev::clearIndicator(indicator);
-  const std::string_view bytes = zev::fieldChars(value, valueLength);
+  const std::string_view bytes = zev::fieldText(value, valueLength);
   const std::size_t taken = zev::bytesWithRoom(bytes, length);
   if (bytes.empty() && *length > 0) *length = 0;
   sb4 *word = length;
@@ -186,7 +181,7 @@ sword ConvertBinaryToString(OCIError *errhp, const void *value, sb4 valueLength,
 sword ConvertStringToBinary(OCIError *errhp, const void *given, sb4 textLength, char *out,
                             sb4 *length, sb2 *indicator) {
   zev::clearIndicator(indicator);
-  std::string_view text = zev::fieldChars(given, textLength);
+  std::string_view text = zev::fieldText(given, textLength);
   if (zev::isHexForm(text)) {
     return zev::hexToBinary(errhp, text.substr(2), out, length, indicator);
   }

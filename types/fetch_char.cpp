@@ -7,8 +7,6 @@
 namespace zev {
 namespace {
 
-enum class Clear { Yes, No };
-
 /// Stores the character and fills the target up with blanks, whatever the format.
 template <Clear Indicator>
 sword fetchPadded(FETCH_PARAMS) {
@@ -37,10 +35,10 @@ sword fetchCounted(FETCH_PARAMS) {
 }
 
 /// The body of NUM and VNU: a binary field is a text of one character. The length told
-/// is that of the longest NUMBER in both.
+/// is that of the longest NUMBER in both, to a caller who asks for it.
 template <ub4 MinCap, auto Convert>
 sword fetchNumber(FETCH_PARAMS) {
-  if (*targetLength < MinCap) return -1;
+  if (targetLength && *targetLength < MinCap) return -1;
   if (isNullField(value, valueLength, format)) {
     return deliverNull(errhp, indicator, returnCode);
   }
@@ -48,7 +46,7 @@ sword fetchNumber(FETCH_PARAMS) {
   const char one[] = {*static_cast<const char *>(value), '\0'};
   const auto *s = format == kFieldBinary ? one : static_cast<const char *>(value);
   if (Convert(s, static_cast<ub1 *>(target)) != 0) return -1;
-  *targetLength = kNumberSize;
+  if (targetLength) *targetLength = kNumberSize;
   return 0;
 }
 

@@ -7,8 +7,6 @@
 namespace zev {
 namespace {
 
-enum class Clear { Yes, No };
-
 /// What a member delivers, and what it tells as its length.
 enum class Result {
   Number,             ///< a NUMBER; 21, whatever it takes
@@ -88,18 +86,12 @@ constexpr NumberRule kFloat4Varnum{Result::VarnumAndCount, 2};
 constexpr NumberRule kFloat8{Result::Number, 2, 8, 8, false};
 constexpr NumberRule kFloat8Varnum{Result::VarnumAndCount, 2, 8, 8, false};
 
-constexpr auto printInt2 = printTerminated<sb2, oci_itoa>;
-constexpr auto printInt4 = printTerminated<sb4, oci_itoa>;
-constexpr auto printInt8 = printTerminated<sb8, _i64toa>;
-constexpr auto printFloat4 = printFloat<float, 6, TRUE, Order::Network>;
-constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
-
 }  // namespace
 }  // namespace zev
 
 // clang-format off
 #define NUMBER_MEMBERS(X)                                   \
-  X(ConvertINT2OIDToSQLT_NUM,   printInt2,   kInteger)      \
+  X(ConvertINT2OIDToSQLT_NUM,   printWholeInt2, kInteger)      \
   X(ConvertINT4OIDToSQLT_NUM,   printInt4,   kInteger)      \
   X(ConvertINT8OIDToSQLT_NUM,   printInt8,   kInteger)      \
   X(ConvertFLOAT4OIDToSQLT_NUM, printFloat4, kFloat4)       \
@@ -133,8 +125,7 @@ extern "C" sword ConvertNUMERICOIDToSQLT_VNU(FETCH_PARAMS) {
   zev::clearIndicator(indicator);
   // Without room for any number the field may still be null; otherwise an empty one is 0.
   if (*targetLength < 2 && zev::isNullField(value, valueLength, format)) {
-    *targetLength = 0;
-    return zev::deliverNull(errhp, indicator, nullptr);
+    return zev::deliverNullWithoutLength(errhp, targetLength, indicator, nullptr);
   }
   if (format > zev::kFieldBinary) return -1;
   const sword status =
@@ -149,8 +140,7 @@ extern "C" sword ConvertNUMERICOIDToSQLT_NUM(FETCH_PARAMS) {
   zev::clearIndicator(indicator);
   if (*targetLength < zev::kNumberSize) return -1;
   if (zev::isNullField(value, valueLength, format)) {
-    *targetLength = 0;
-    return zev::deliverNull(errhp, indicator, returnCode);
+    return zev::deliverNullWithoutLength(errhp, targetLength, indicator, returnCode);
   }
   if (format > zev::kFieldBinary) return -1;
   ub1 number[zev::kNumberSize + 1] = {};

@@ -182,8 +182,9 @@ sword fetchText(FETCH_PARAMS) {
   clearIndicator(indicator);
   if (*targetLength < Rule.minCap) return -1;
   if (isNull<Rule>(value, valueLength, format)) {
-    if constexpr (Rule.null == Null::EmptyAndClearsLength) *targetLength = 0;
-    return deliverNull(errhp, indicator, returnCode);
+    return Rule.null == Null::EmptyAndClearsLength
+               ? deliverNullWithoutLength(errhp, targetLength, indicator, returnCode)
+               : deliverNull(errhp, indicator, returnCode);
   }
   if (valueLength < Rule.minValue || valueLength > Rule.maxValue) return -1;
   const auto fieldLength = static_cast<std::size_t>(valueLength);
@@ -211,17 +212,6 @@ sword fetchOverwritten(FETCH_PARAMS) {
   return status;
 }
 
-constexpr auto printInt2 = printIntoArray<sb2, Int16ToCharArray>;
-constexpr auto printInt4 = printTerminated<sb4, oci_itoa>;
-constexpr auto printInt4Array = printIntoArray<sb4, Int32ToCharArray>;
-constexpr auto printInt8 = printTerminated<sb8, _i64toa>;
-constexpr auto printInt8Array = printIntoArray<sb8, Int64ToCharArray>;
-constexpr auto printFloat4 = printFloat<float, 6, TRUE, Order::Network>;
-constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
-constexpr auto printRawFloat4 = printFloat<float, 6, FALSE, Order::AsItStands>;
-constexpr auto printRawFloat8 = printFloat<double, 6, FALSE, Order::AsItStands>;
-constexpr auto printLongRawFloat8 = printFloat<double, 17, FALSE, Order::AsItStands>;
-
 }  // namespace
 }  // namespace zev
 
@@ -230,7 +220,7 @@ constexpr auto printLongRawFloat8 = printFloat<double, 17, FALSE, Order::AsItSta
   X(ConvertFLOAT4OIDToSQLT_AVC, ConvertFLOAT4OIDToSQLT_CHR, 0)           \
   X(ConvertFLOAT8OIDToSQLT_AVC, ConvertFLOAT8OIDToSQLT_CHR, 1)
 
-// What all members of a row have, beside the first columns of the table.
+// What several members have beside the first columns of the table.
 #define FLOAT4_STR   .missing = 1, .minCap = 1
 #define FLOAT8_STR   .missing = 1, .minCap = 1, .null = Null::Missing, .minValue = 4
 #define FLOAT_COUNTED(width) .missing = (width), .minCap = 2

@@ -7,12 +7,6 @@
 namespace zev {
 namespace {
 
-sword deliverNullWithoutLength(OCIError *errhp, ub4 *targetLength, sb2 *indicator,
-                               ub2 *returnCode) {
-  *targetLength = 0;
-  return deliverNull(errhp, indicator, returnCode);
-}
-
 /// Rounds a binary numeric into `target`; out of range leaves the target as it was.
 template <class T>
 sword storeRounded(numeric *number, void *target, sword (*round)(numeric *, T *)) {

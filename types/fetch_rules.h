@@ -2,6 +2,7 @@
 /// overflow.
 #pragma once
 
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -26,6 +27,14 @@ enum FieldFormat : ub1 { kFieldText = 0, kFieldBinary = 1 };
 inline void clearIndicator(sb2 *indicator) {
   if (indicator) *indicator = 0;
 }
+/// Whether a member clears the indicator on entry.
+enum class Clear { Yes, No };
+
+/// The bytes of a field; none for a missing value.
+inline std::string_view fieldText(const void *value, sb4 valueLength) {
+  if (!value || valueLength <= 0) return {};
+  return {static_cast<const char *>(value), static_cast<std::size_t>(valueLength)};
+}
 
 /// Whether a field counts as null: no value, no bytes, or an empty text.
 inline bool isNullField(const void *value, sb4 valueLength, ub1 format) {
@@ -36,6 +45,12 @@ inline bool isNullField(const void *value, sb4 valueLength, ub1 format) {
 /// What a null field does: 1405 in `*returnCode`, -1 in `*indicator` and success; without
 /// an indicator record 1405 and status 1.
 sword deliverNull(OCIError *errhp, sb2 *indicator, ub2 *returnCode);
+/// The same, and the length becomes 0.
+inline sword deliverNullWithoutLength(OCIError *errhp, ub4 *targetLength, sb2 *indicator,
+                                      ub2 *returnCode) {
+  *targetLength = 0;
+  return deliverNull(errhp, indicator, returnCode);
+}
 
 /// Stores how many bytes are missing; 65534 stands for all counts from 65536 on.
 inline void reportMissing(sb2 *indicator, std::size_t missing) {

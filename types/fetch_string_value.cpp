@@ -50,11 +50,11 @@ sword fetchString(FETCH_PARAMS) {
   clearIndicator(indicator);
   if (*targetLength < Rule.minCap) return Rule.whenShort == ShortTarget::Refuse ? -1 : 0;
   if (isNullField(value, valueLength, format)) {
-    if (Rule.nullClearsLength) *targetLength = 0;
-    return deliverNull(errhp, indicator, returnCode);
+    return Rule.nullClearsLength
+               ? deliverNullWithoutLength(errhp, targetLength, indicator, returnCode)
+               : deliverNull(errhp, indicator, returnCode);
   }
-  const std::string_view field(static_cast<const char *>(value),
-                               static_cast<std::size_t>(valueLength));
+  const std::string_view field = fieldText(value, valueLength);
   Scratch scratch;
   std::string_view chars = field;
   if (format != kFieldText) {
@@ -70,17 +70,14 @@ constexpr StringRule kRawCut{CutFrom::Field, 4, ShortTarget::Refuse, false};
 constexpr StringRule kTextCut{CutFrom::Text, 4, ShortTarget::Refuse, false};
 constexpr StringRule kNumeric{CutFrom::Text, 1, ShortTarget::Leave, true};
 
-constexpr auto printFloat4 = printFloat<float, 6, TRUE, Order::Network>;
-constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
-
 }  // namespace
 }  // namespace zev
 
 // clang-format off
 #define STRING_MEMBERS(X)                                                        \
-  X(ConvertINT2OIDToSQLT_VST,    (printTerminated<sb2, oci_itoa>), kRawCut)      \
-  X(ConvertINT4OIDToSQLT_VST,    (printTerminated<sb4, oci_itoa>), kRawCut)      \
-  X(ConvertINT8OIDToSQLT_VST,    (printTerminated<sb8, _i64toa>),  kTextCut)     \
+  X(ConvertINT2OIDToSQLT_VST,    printWholeInt2,                  kRawCut)      \
+  X(ConvertINT4OIDToSQLT_VST,    printInt4,                       kRawCut)      \
+  X(ConvertINT8OIDToSQLT_VST,    printInt8,                       kTextCut)     \
   X(ConvertFLOAT4OIDToSQLT_VST,  printFloat4,                      kRawCut)      \
   X(ConvertFLOAT8OIDToSQLT_VST,  printFloat8,                      kRawCut)      \
   X(ConvertNUMERICOIDToSQLT_VST, printUnswappedNumeric,            kNumeric)

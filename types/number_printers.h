@@ -6,6 +6,7 @@
 
 #include "core/owned.h"
 #include "types/bytes.h"
+#include "types/number_text.h"
 
 namespace zev {
 
@@ -60,5 +61,21 @@ bool printFloat(const void *value, sb4 length, Scratch &scratch, std::string_vie
       Bytes == Order::Network ? readNetwork<Float>(value) : readNative<Float>(value);
   return printDouble(static_cast<double>(number), Precision, Trim, scratch, out);
 }
+
+// The printers of the members, by row; an Array stops where its buffer does, and Raw
+// floats are read as they stand.
+inline constexpr auto printInt2 = printIntoArray<sb2, Int16ToCharArray>;
+inline constexpr auto printInt4 = printTerminated<sb4, oci_itoa>;
+inline constexpr auto printInt4Array = printIntoArray<sb4, Int32ToCharArray>;
+inline constexpr auto printInt8 = printTerminated<sb8, _i64toa>;
+inline constexpr auto printInt8Array = printIntoArray<sb8, Int64ToCharArray>;
+inline constexpr auto printFloat4 = printFloat<float, 6, TRUE, Order::Network>;
+inline constexpr auto printFloat8 = printFloat<double, 15, TRUE, Order::Network>;
+inline constexpr auto printRawFloat4 = printFloat<float, 6, FALSE, Order::AsItStands>;
+inline constexpr auto printRawFloat8 = printFloat<double, 6, FALSE, Order::AsItStands>;
+inline constexpr auto printLongRawFloat8 =
+    printFloat<double, 17, FALSE, Order::AsItStands>;
+/// In order, and with all digits of the lowest value.
+inline constexpr auto printWholeInt2 = printTerminated<sb2, oci_itoa>;
 
 }  // namespace zev

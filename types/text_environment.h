@@ -1,8 +1,6 @@
 /// What character data do on their way to the program, whatever they are stored in.
 #pragma once
 
-#include <string_view>
-
 #include "core/edge_text.h"
 #include "types/fetch_rules.h"
 
@@ -22,11 +20,5 @@ struct TextEnvironment {
     return emptyIsNull && isNullField(value, valueLength, format);
   }
 };
-
-/// The bytes of a field; none for a missing value.
-inline std::string_view fieldText(const void *value, sb4 valueLength) {
-  if (!value || valueLength <= 0) return {};
-  return {static_cast<const char *>(value), static_cast<std::size_t>(valueLength)};
-}
 
 }  // namespace zev

@@ -1,4 +1,5 @@
 /// The single character into every target.
+#include "types/number.h"
 #include "types_fixture.h"
 #include "zevoci/string_value.h"
 
@@ -125,6 +126,14 @@ TEST_F(FetchChar, SomeMembersLeaveTheIndicatorAlone) {
        {ConvertCHAROIDToSQLT_INT, ConvertCHAROIDToSQLT_UIN, ConvertCHAROIDToSQLT_FLT}) {
     EXPECT_EQ(indicatorAfter(convert, 8), 0);
   }
+}
+
+TEST_F(FetchChar, NumberNeedsNoLength) {
+  ub1 target[zev::kNumberSize];
+  EXPECT_EQ(ConvertCHAROIDToSQLT_NUM(session.errhp, "7", 1, 0, target, nullptr, nullptr,
+                                     nullptr),
+            0);
+  EXPECT_EQ(hex({target, target + 2}), "C1 08");
 }
 
 TEST_F(FetchChar, StringValueNeedsTwoBytes) {

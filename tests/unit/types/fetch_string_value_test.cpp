@@ -6,52 +6,13 @@
 namespace zevtest {
 namespace {
 
-/// One fetch into a string value of `size` bytes. `text` is what its memory holds
-/// afterwards, "~" where nothing was written.
-struct StringCase {
-  const char *name;
-  Oid oid;
-  ub1 format;
-  std::string value;
-  ub4 size;
-  std::string text;
-  ub4 length;
-  int indicator = 0;
-  int code = kNoRecord;
-  sword result = 0;
-  int returnCode = 0;
-};
-
-std::ostream &operator<<(std::ostream &out, const StringCase &c) {
-  return out << c.name;
-}
-
-class FetchStringValue : public testing::TestWithParam<StringCase> {
+class FetchStringValue : public testing::TestWithParam<StringFetchCase> {
  protected:
   Session session;
 };
 
 TEST_P(FetchStringValue, Arrives) {
-  const StringCase &c = GetParam();
-  const auto text = guarded(c.size);
-  OCIString string{c.size, 99, reinterpret_cast<OraText *>(text.get())};
-  OCIString *target = &string;
-  const auto value = exactCopy(c.value + '\0');
-  ub4 length = sizeof target;
-  sb2 indicator = 77;
-  ub2 returnCode = 77;
-  const bool hasIndicator = c.indicator != kNoIndicator;
-  const sword result = PQ2OCIType(
-      session.errhp, c.oid, value.get(), static_cast<sb4>(c.value.size()), c.format,
-      SQLT_VST, &target, &length, hasIndicator ? &indicator : nullptr, &returnCode, 0);
-  EXPECT_EQ(result, c.result);
-  EXPECT_EQ(std::string(text.get(), c.size), c.text);
-  EXPECT_EQ(string.length, c.length);
-  if (hasIndicator) {
-    EXPECT_EQ(indicator, static_cast<sb2>(c.indicator));
-  }
-  EXPECT_EQ(returnCode, c.returnCode);
-  EXPECT_EQ(session.takeRecord(), c.code);
+  expectStringFetch(session, GetParam());
 }
 
 const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID, kFloat4 = FLOAT4OID,
@@ -59,35 +20,35 @@ const Oid kInt2 = INT2OID, kInt4 = INT4OID, kInt8 = INT8OID, kFloat4 = FLOAT4OID
 const std::string k70000 = std::string(70000, '1');
 
 // clang-format off
-//             name                        oid    format value  size target        length indicator ...
+//                  name               oid    format value  cap size target       length indicator ...
 INSTANTIATE_TEST_SUITE_P(Text, FetchStringValue, testing::Values(
-    StringCase{"Int2Fits",                 kInt2,    0, "123",  5, "123\0~"s,      3},
-    StringCase{"Int2ExactFit",             kInt2,    0, "123",  4, "123\0"s,       3},
-    StringCase{"Int2Truncated",            kInt2,    0, "123",  3, "12\0"s,        2, 1, 1406, 1},
-    StringCase{"Int4WithoutIndicator",     kInt4,    0, "12345", 3, "12\0"s,       2, kNoIndicator, 1406, 1},
-    StringCase{"Int8Truncated",            kInt8,    0, "12345", 3, "12\0"s,       2, 3, 1406, 1},
-    StringCase{"Float4Truncated",          kFloat4,  0, "12.5", 3, "12\0"s,        2, 2, 1406, 1},
-    StringCase{"Float8Fits",               kFloat8,  0, "12.5", 5, "12.5\0"s,      4},
-    StringCase{"NumericFits",              kNumeric, 0, "1.50", 6, "1.50\0~"s,     4},
-    StringCase{"NumericTruncated",         kNumeric, 0, "1.50", 3, "1.\0"s,        2, 2, 1406, 1},
-    StringCase{"ManyMissingBytes",         kInt4,    0, k70000, 3, "11\0"s,        2, 65534, 1406, 1},
-    StringCase{"NoMemoryAtAll",            kInt4,    0, "123",  0, "",             0, 4, 1406, 1},
-    StringCase{"Null",                     kInt2,    0, "",     3, "~~~",         99, -1, kNoRecord, 0, 1405},
-    StringCase{"NullWithoutIndicator",     kFloat8,  0, "",     3, "~~~",         99, kNoIndicator, 1405, 1, 1405},
-    StringCase{"OtherFormat",              kInt2,    2, "123",  5, "~~~~~",       99, 0, kNoRecord, -1}));
+    StringFetchCase{"Int2Fits",                 kInt2, 0, "123", 8, 5, "123\0~"s + '~',      3},
+    StringFetchCase{"Int2ExactFit",             kInt2, 0, "123", 8, 4, "123\0"s + '~',       3},
+    StringFetchCase{"Int2Truncated",            kInt2, 0, "123", 8, 3, "12\0"s + '~',        2, 1, 1406, 1},
+    StringFetchCase{"Int4WithoutIndicator",     kInt4, 0, "12345", 8, 3, "12\0"s + '~',       2, kNoIndicator, 1406, 1},
+    StringFetchCase{"Int8Truncated",            kInt8, 0, "12345", 8, 3, "12\0"s + '~',       2, 3, 1406, 1},
+    StringFetchCase{"Float4Truncated",          kFloat4, 0, "12.5", 8, 3, "12\0"s + '~',        2, 2, 1406, 1},
+    StringFetchCase{"Float8Fits",               kFloat8, 0, "12.5", 8, 5, "12.5\0"s + '~',      4},
+    StringFetchCase{"NumericFits",              kNumeric, 0, "1.50", 8, 6, "1.50\0~"s + '~',     4},
+    StringFetchCase{"NumericTruncated",         kNumeric, 0, "1.50", 8, 3, "1.\0"s + '~',        2, 2, 1406, 1},
+    StringFetchCase{"ManyMissingBytes",         kInt4, 0, k70000, 8, 3, "11\0"s + '~',        2, 65534, 1406, 1},
+    StringFetchCase{"NoMemoryAtAll",            kInt4, 0, "123", 8, 0, ""s + '~',             0, 4, 1406, 1},
+    StringFetchCase{"Null",                     kInt2, 0, "", 8, 3, "~~~"s + '~',         9, -1, kNoRecord, 0, 1405},
+    StringFetchCase{"NullWithoutIndicator",     kFloat8, 0, "", 8, 3, "~~~"s + '~',         9, kNoIndicator, 1405, 1, 1405},
+    StringFetchCase{"OtherFormat",              kInt2, 2, "123", 8, 5, "~~~~~"s + '~',       9, 0, kNoRecord, -1}));
 
 // Where the printed text has no room, the bytes of the field itself come.
 INSTANTIATE_TEST_SUITE_P(Binary, FetchStringValue, testing::Values(
-    StringCase{"Int2InOrder",              kInt2,    1, network<sb2>(-123), 6, "-123\0~"s,    4},
-    StringCase{"Int2TruncatedField",       kInt2,    1, network<sb2>(0x4142), 4, "AB~\0"s,    3, 2, 1406, 1},
-    StringCase{"Int4InOrder",              kInt4,    1, network<sb4>(-123), 6, "-123\0~"s,    4},
-    StringCase{"Int4TruncatedField",       kInt4,    1, network<sb4>(0x41424344), 4, "ABC\0"s, 3, 7, 1406, 1},
-    StringCase{"Int8Reversed",             kInt8,    1, network<sb8>(123), 5, "321\0~"s,      3},
-    StringCase{"Int8TruncatedText",        kInt8,    1, network<sb8>(12345), 4, "543\0"s,     3, 2, 1406, 1},
-    StringCase{"Float4",                   kFloat4,  1, network(12.5f), 11, "21.000005\0~"s, 9},
-    StringCase{"Float8Beyond",             kFloat8,  1, network(1e300), 4, "~~~~",               99, 0, kNoRecord, -1},
-    StringCase{"Int2TooShort",             kInt2,    1, "1",    3, "~~~",                    99, 0, kNoRecord, -1},
-    StringCase{"NumericTooShort",          kNumeric, 1, "1234567", 3, "~~~",                 99, 0, kNoRecord, -1}));
+    StringFetchCase{"Int2InOrder",              kInt2, 1, network<sb2>(-123), 8, 6, "-123\0~"s + '~',    4},
+    StringFetchCase{"Int2TruncatedField",       kInt2, 1, network<sb2>(0x4142), 8, 4, "AB~\0"s + '~',    3, 2, 1406, 1},
+    StringFetchCase{"Int4InOrder",              kInt4, 1, network<sb4>(-123), 8, 6, "-123\0~"s + '~',    4},
+    StringFetchCase{"Int4TruncatedField",       kInt4, 1, network<sb4>(0x41424344), 8, 4, "ABC\0"s + '~', 3, 7, 1406, 1},
+    StringFetchCase{"Int8Reversed",             kInt8, 1, network<sb8>(123), 8, 5, "321\0~"s + '~',      3},
+    StringFetchCase{"Int8TruncatedText",        kInt8, 1, network<sb8>(12345), 8, 4, "543\0"s + '~',     3, 2, 1406, 1},
+    StringFetchCase{"Float4",                   kFloat4, 1, network(12.5f), 8, 11, "21.000005\0~"s + '~', 9},
+    StringFetchCase{"Float8Beyond",             kFloat8, 1, network(1e300), 8, 4, "~~~~"s + '~',               9, 0, kNoRecord, -1},
+    StringFetchCase{"Int2TooShort",             kInt2, 1, "1", 8, 3, "~~~"s + '~',                    9, 0, kNoRecord, -1},
+    StringFetchCase{"NumericTooShort",          kNumeric, 1, "1234567", 8, 3, "~~~"s + '~',                 9, 0, kNoRecord, -1}));
 // clang-format on
 
 TEST_F(FetchStringValue, ShortTargetsAreRefusedButThoseOfNumerics) {
