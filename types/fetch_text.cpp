@@ -2,6 +2,7 @@
 /// the server's bytes, before they turn into the program's encoding.
 #include <algorithm>
 
+#include "types/string_copy.h"
 #include "types/text_environment.h"
 #include "zevoci/string_value.h"
 
@@ -132,11 +133,13 @@ bool terminateCut(char *target, std::size_t size, std::string_view terminator) {
   return true;
 }
 
-/// The body of SQLT_STR for a text that is converted or cut. `size` counts the NUL of
-/// `source`.
-[[gnu::noinline]] sword fetchEdgeString(OCIError *errhp, const OCIEnv *env,
-                                        const char *source, std::size_t size,
-                                        void *target, ub4 *targetLength) {
+/// The body of SQLT_STR for every text that is not null. The NUL behind the field is part
+/// of what is delivered.
+[[gnu::noinline]] sword fetchAnyString(OCIError *errhp, const OCIEnv *env,
+                                       const void *value, sb4 valueLength, void *target,
+                                       ub4 *targetLength) {
+  const char *source = value ? static_cast<const char *>(value) : "";
+  const std::size_t size = fieldText(value, valueLength).size() + 1;
   const EdgeResult converted(env, source, size);
   if (!converted) return converted.fail(errhp);
   const std::size_t n = std::min<std::size_t>(converted.size(), *targetLength);
@@ -187,17 +190,20 @@ sword ConvertTEXTOIDToSQLT_STR(FETCH_PARAMS) {
     return zev::deliverNull(errhp, indicator, returnCode);
   }
   if (format > zev::kFieldBinary) return -1;
-  const auto *source = value ? static_cast<const char *>(value) : "";
-  const auto length = static_cast<std::size_t>(value ? std::max(valueLength, 0) : 0);
-  // The NUL behind the field is part of what is delivered. Where it fits as it stands,
-  // that is all there is to do.
-  if (length >= *targetLength || environment.converts()) [[unlikely]] {
-    return zev::fetchEdgeString(errhp, environment.env, source, length + 1, target,
-                                targetLength);
+  // A short text that fits as it stands needs no more than to be copied.
+  if (const auto length = static_cast<ub4>(valueLength);
+      value && length < *targetLength && length <= zev::kShortText &&
+      !environment.converts()) {
+    const auto *source = static_cast<const char *>(value);
+    auto *out = static_cast<char *>(target);
+    out[length] = '\0';
+    if (!zev::copyShortText(out, source, length) && source[length] == '\0') {
+      *targetLength = length;
+      return 0;
+    }
   }
-  std::memcpy(target, source, length + 1);
-  *targetLength = static_cast<ub4>(std::strlen(source));
-  return 0;
+  return zev::fetchAnyString(errhp, environment.env, value, valueLength, target,
+                             targetLength);
 }
 
 sword ConvertTEXTOIDToSQLT_VST(FETCH_PARAMS) {

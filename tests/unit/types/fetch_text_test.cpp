@@ -248,6 +248,27 @@ TEST_F(FetchTextPlain, MissingValueIsAnEmptyText) {
   EXPECT_EQ(length, 0u);
 }
 
+TEST_F(FetchText, ToldLengthOfAStringIsThatUpToItsFirstNul) {
+  for (const std::size_t size : {3, 9, 20, 40, 64, 65, 200}) {
+    std::string value(size, 'x');
+    const auto deliver = [&] {
+      std::string target(size + 1, '~');
+      ub4 length = static_cast<ub4>(target.size());
+      EXPECT_EQ(
+          ConvertTEXTOIDToSQLT_STR(session.errhp, value.c_str(), static_cast<sb4>(size),
+                                   0, target.data(), &length, nullptr, nullptr),
+          0);
+      EXPECT_EQ(target, value.substr(0, size) + value.c_str()[size]);
+      return length;
+    };
+    EXPECT_EQ(deliver(), size);
+    value[size - 2] = '\0';
+    EXPECT_EQ(deliver(), size - 2);
+    value.assign(size + 4, 'y');
+    EXPECT_EQ(deliver(), size + 4) << "the text goes on behind its length";
+  }
+}
+
 TEST_F(FetchText, WithoutEnvironmentTextPassesAsItStands) {
   session.errhp->parenth = nullptr;
   expectFetch(session, {"", kText, kStr, 0, "abc", 4, "abc\0"s, 3});
