@@ -40,6 +40,66 @@ int PQsendClosePortal(PGconn *conn, const char *portalName);
 /// none left.
 PGresult *PQextGetResult(PGconn *conn);
 
+/// The way of a parameter of a called routine.
+enum PQextDirection { kDirectionIn = 1, kDirectionOut = 2, kDirectionInOut = 3 };
+
+/// As PQprepare for a call of one routine, "CALL name ( $1 , $2 );", with a direction for
+/// each parameter (null: all IN). The routine may be a procedure or a function, its name
+/// may have a schema in front. Where exactly one routine of that name exists, every
+/// argument is cast to the type that it is declared with. PGRES_COMMAND_OK on success;
+/// null when nothing could be sent.
+PGresult *PQprepareOut(PGconn *conn, const char *stmtName, const char *query, int nParams,
+                       const Oid *paramTypes, const unsigned int *paramDirs);
+/// The same without waiting for the answer to the PREPARE itself. Non-zero when sent; one
+/// result follows.
+int PQsendPrepareOut(PGconn *conn, const char *stmtName, const char *query, int nParams,
+                     const Oid *paramTypes, const unsigned int *paramDirs);
+/// Runs a call that was prepared with directions; values of OUT parameters are not sent.
+/// Non-zero when sent. One main result follows through PQextGetResult: PGRES_TUPLES_OK
+/// with the return value of a function in row 0, column 0, PGRES_COMMAND_OK or
+/// PGRES_TUPLES_OK for a procedure; then PQgetOutResult.
+int PQsendQueryPreparedOut(PGconn *conn, const char *stmtName, int nParams,
+                           const char *const *paramValues, const int *paramLengths,
+                           const int *paramFormats, int resultFormat);
+/// The values that the call just run gave back: one row, one column per OUT or INOUT
+/// parameter in order, none where there is no such parameter. Null when there is none
+/// left. The caller clears it.
+PGresult *PQgetOutResult(PGconn *conn);
+
+/// Runs a prepared statement for each of `nRows` rows in one round trip or a few.
+/// `values` and `lengths` are row-major, `nParams` to a row; `formats` serve all rows.
+/// PGRES_COMMAND_OK when all rows ran; else the result of the first row that failed,
+/// whose message PQextErrorMessage gives too. Null when nothing could be sent. Rows that
+/// the statement returns are dropped.
+PGresult *PQexecBulkPrepared(PGconn *conn, const char *stmtName, int nParams, int nRows,
+                             const char *const *values, const int *lengths,
+                             const int *formats);
+
+/// Opens a bulk run that no call waits for. 1 when opened. No result follows.
+int PQsendBulkStart(PGconn *conn, const char *stmtName, int nParams, const int *formats);
+/// Gives the open run `nRows` rows, whose values are copied. 1 when taken. Then, as long
+/// as PQextGetResult gives a result, rows are still on their way; each call sends and
+/// reads what is possible without waiting and answers at once. Null: all rows are
+/// answered.
+int PQsendBulk(PGconn *conn, int nRows, const char *const *values, const int *lengths);
+/// Ends the run and gives the connection back: 1, or 7 (PGRES_FATAL_ERROR) when a row
+/// failed or the connection did; PQextErrorMessage tells. Rows still on their way are
+/// waited for. No result follows.
+int PQsendBulkFinish(PGconn *conn);
+
+/// Runs a prepared statement for each of `nRows` rows as PQexecBulkPrepared does, but
+/// each row has formats of its own (`formats` is row-major too) and the result is that of
+/// the last row, or of the first one that failed or returned rows.
+PGresult *PQextExecRows(PGconn *conn, const char *stmtName, int nParams, int nRows,
+                        const char *const *values, const int *lengths,
+                        const int *formats);
+
+/// Whether the next PQextGetResult would have to wait for the server. False during a bulk
+/// run.
+int PQextIsBusy(PGconn *conn);
+/// The message of the last bulk operation that failed; PQerrorMessage when none did.
+const char *PQextErrorMessage(PGconn *conn);
+
 /// Attaches the adapter's state to a new connection; non-zero on success. Every operation
 /// does this by itself on first use. The state is freed with the connection.
 int PQextAttach(PGconn *conn);
