@@ -62,16 +62,11 @@ PgResult execParams(PGconn *conn, const char *sql, const Parameters &p) {
 
 PgResult prepare(PGconn *conn, const char *name, const char *sql, int count,
                  const Oid *types) {
-  if (!isIdle(conn)) return nullptr;
-  return PQsendPrepare(conn, name, sql, count, types) ? collect(conn) : nullptr;
+  return sendPrepare(conn, name, sql, count, types) ? collect(conn) : nullptr;
 }
 
 PgResult execPrepared(PGconn *conn, const char *name, const Parameters &p) {
-  if (!isIdle(conn)) return nullptr;
-  return PQsendQueryPrepared(conn, name, p.count, p.values, p.lengths, p.formats,
-                             kTextResults)
-             ? collect(conn)
-             : nullptr;
+  return sendPrepared(conn, name, p) ? collect(conn) : nullptr;
 }
 
 PgResult describePrepared(PGconn *conn, const char *name) {
@@ -80,6 +75,20 @@ PgResult describePrepared(PGconn *conn, const char *name) {
 
 PgResult describePortal(PGconn *conn, const char *name) {
   return PgResult(PQdescribePortal(conn, name));
+}
+
+bool sendPrepare(PGconn *conn, const char *name, const char *sql, int count,
+                 const Oid *types) {
+  return isIdle(conn) && PQsendPrepare(conn, name, sql, count, types);
+}
+
+bool sendPrepared(PGconn *conn, const char *name, const Parameters &p) {
+  return isIdle(conn) && PQsendQueryPrepared(conn, name, p.count, p.values, p.lengths,
+                                             p.formats, kTextResults);
+}
+
+bool sendDescribePortal(PGconn *conn, const char *name) {
+  return isIdle(conn) && PQsendDescribePortal(conn, name);
 }
 
 PgResult getResult(PGconn *conn) {

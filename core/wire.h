@@ -27,6 +27,13 @@ PgResult execPrepared(PGconn *conn, const char *name, const Parameters &paramete
 PgResult describePrepared(PGconn *conn, const char *name);
 PgResult describePortal(PGconn *conn, const char *name);
 
+/// The same without waiting; false when the client library could not send. What an
+/// earlier command left is taken first.
+bool sendPrepare(PGconn *conn, const char *name, const char *sql, int count,
+                 const Oid *types);
+bool sendPrepared(PGconn *conn, const char *name, const Parameters &parameters);
+bool sendDescribePortal(PGconn *conn, const char *name);
+
 /// The next result of what was sent, waiting for it; null when there is none left.
 PgResult getResult(PGconn *conn);
 

@@ -1,36 +1,17 @@
 #include "stmt/bind_data.h"
 
+#include <algorithm>
 #include <cstdlib>
 
+#include "stmt/bind_value.h"
+#include "stmt/dynamic_data.h"
+#include "stmt/row_buffers.h"
 #include "types/conversion_dispatch.h"
 #include "zevoci/trace.h"
 
 namespace {
 
 constexpr sb2 kNull = OCI_IND_NULL;
-
-/// Where one row of a bind's buffers lies; each may be null.
-struct RowBuffers {
-  void *value;
-  sb2 *indicator;
-  ub2 *length;
-};
-
-template <class T>
-T *rowOf(T *base, ub4 iteration, std::size_t stride) {
-  if (!base) return nullptr;
-  return reinterpret_cast<T *>(reinterpret_cast<char *>(base) + iteration * stride);
-}
-
-RowBuffers rowBuffers(const OCIBind *bind, ub4 iteration) {
-  const bool isStruct = bind->isStruct;
-  auto *value = static_cast<char *>(bind->valuep);
-  const auto valueStride =
-      isStruct ? bind->pvskip : static_cast<std::size_t>(bind->valueSize);
-  return {rowOf(value, iteration, valueStride),
-          rowOf(bind->indp, iteration, isStruct ? bind->indskip : sizeof(sb2)),
-          rowOf(bind->alenp, iteration, isStruct ? bind->alskip : sizeof(ub2))};
-}
 
 bool mayBeEmpty(ub2 dty) {
   return dty == SQLT_STR || dty == SQLT_AFC || dty == SQLT_AVC;
@@ -42,7 +23,7 @@ bool emptyIsNull(const OCIError *errhp) {
 }
 
 sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
-  const RowBuffers row = rowBuffers(bind, iteration);
+  const zev::RowBuffers row = zev::rowBuffers(bind, iteration);
   if (!row.length && bind->dty == SQLT_RSET) return 0;
   const sb4 length = row.length ? *row.length : bind->valueSize;
 
@@ -51,28 +32,9 @@ sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
   if (*indicator != kNull && (!row.value || (length == 0 && !mayBeEmpty(bind->dty)))) {
     *indicator = kNull;
   }
-  // The types that may be empty are still null where empty text is; the program's own
-  // indicator then stays as it is.
-  sb2 empty = kNull;
-  if (*indicator != kNull && length == 0 && emptyIsNull(errhp)) indicator = &empty;
-
-  if (!bind->convert)
-    IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
-  zev::ServerParameter parameter{};
-  const sword status =
-      zev::convertBound(errhp, bind->convert, bind->pgType,
-                        {bind->dty, row.value, length, indicator}, parameter);
-  bind->pgValue = static_cast<char *>(parameter.value);
-  bind->pgLength = parameter.length;
-  bind->pgFormat = parameter.format;
+  const sword status = zev::convertBindValue(bind, errhp, row.value, length, indicator);
   if (status < 0 && !row.length) AddErrorRecord(errhp, OCI_ERROR, 16530);
   return status;
-}
-
-/// A bind whose values come from a callback.
-sword convertDynamic(const OCIBind *bind, OCIError *errhp) {
-  if (!bind->icbfp) return OCI_NEED_DATA;
-  return zev::fail(errhp, 3001);
 }
 
 /// Writes what each bind holds into the arrays of the client library; zeros for a null
@@ -84,10 +46,6 @@ void gatherValues(const List *binds, Value *values, int *lengths, int *formats) 
     *lengths++ = bind ? static_cast<int>(bind->pgLength) : 0;
     *formats++ = bind ? bind->pgFormat : 0;
   }
-}
-
-bool stopsWalk(sword status) {
-  return status < 0 || status > OCI_SUCCESS_WITH_INFO;
 }
 
 }  // namespace
@@ -105,9 +63,9 @@ sword GetOCIBindData(OCIStmt *stmt, OCIError *errhp, ub4 iteration) {
     bind->pgLength = 0;
     bind->pgFormat = 0;
     ocitrace(kTraceBindData, "GetOCIBindData", "processing parameter %s\n", bind->name);
-    status = bind->isDynamic ? convertDynamic(bind, errhp)
+    status = bind->isDynamic ? zev::takeDynamicValue(bind, errhp, iteration)
                              : convertRow(bind, errhp, iteration);
-    if (stopsWalk(status)) {
+    if (!zev::isSuccess(status)) {
       release_binds_pgdata(stmt->binds);
       return status;
     }
@@ -138,6 +96,24 @@ void release_binds_pgdata(List *binds) {
 
 namespace zev {
 
+sword convertBindValue(OCIBind *bind, OCIError *errhp, void *buffer, sb4 length,
+                       sb2 *indicator) {
+  // The types that may be empty are still null where empty text is; the program's own
+  // indicator then stays as it is.
+  sb2 empty = kNull;
+  if (*indicator != kNull && length == 0 && emptyIsNull(errhp)) indicator = &empty;
+
+  if (!bind->convert)
+    IsOCIToPQConversionPossible(bind->dty, bind->pgType, &bind->convert);
+  ServerParameter parameter{};
+  const sword status = convertBound(errhp, bind->convert, bind->pgType,
+                                    {bind->dty, buffer, length, indicator}, parameter);
+  bind->pgValue = static_cast<char *>(parameter.value);
+  bind->pgLength = parameter.length;
+  bind->pgFormat = parameter.format;
+  return status;
+}
+
 ParameterArrays::ParameterArrays(const List *placeholderBinds)
     : binds_(placeholderBinds) {
   const ub4 count = list_length(placeholderBinds);
@@ -155,6 +131,35 @@ wire::Parameters ParameterArrays::parameters(ub4 count) const {
           .values = values_.data(),
           .lengths = lengths_.data(),
           .formats = formats_.data()};
+}
+
+RowValues::RowValues(const List *placeholderBinds, ub4 paramCount)
+    : binds_(paramCount ? placeholderBinds : nullptr),
+      width_(list_length(binds_)),
+      lastFormats_(std::max<ub4>(paramCount, width_)) {}
+
+void RowValues::take(const List *binds) {
+  const std::size_t start = values_.size();
+  values_.resize(start + width_);
+  lengths_.resize(start + width_);
+  gatherValues(binds_, values_.data() + start, lengths_.data() + start,
+               lastFormats_.data());
+  formats_.insert(formats_.end(), lastFormats_.begin(), lastFormats_.begin() + width_);
+  for (OCIBind *bind : Elements<OCIBind>(binds)) {
+    if (bind && bind->pgValue) {
+      owned_.emplace_back(bind->pgValue);
+      bind->pgValue = nullptr;
+    }
+  }
+  ++count_;
+}
+
+void RowValues::clear() {
+  count_ = 0;
+  values_.clear();
+  lengths_.clear();
+  formats_.clear();
+  owned_.clear();
 }
 
 }  // namespace zev

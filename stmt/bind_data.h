@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "core/owned.h"
 #include "core/wire.h"
 #include "zevoci/statement.h"
 
@@ -35,6 +36,35 @@ class ParameterArrays {
   std::vector<const char *> values_;
   std::vector<int> lengths_;
   std::vector<int> formats_;
+};
+
+/// The converted values of many rows, which it owns.
+class RowValues {
+ public:
+  /// Rows of one value per element of `placeholderBinds`, which sends `paramCount`.
+  RowValues(const List *placeholderBinds, ub4 paramCount);
+  /// Takes the values that the binds of `binds`, those of the statement, hold at this
+  /// moment as one more row. Throws std::bad_alloc.
+  void take(const List *binds);
+  void clear();
+
+  int count() const { return count_; }
+  /// Row-major, one element per parameter.
+  const char *const *values() const { return values_.data(); }
+  const int *lengths() const { return lengths_.data(); }
+  const int *formats() const { return formats_.data(); }
+  /// The formats of the last row; zeros without one.
+  const int *lastFormats() const { return lastFormats_.data(); }
+
+ private:
+  const List *binds_;
+  ub4 width_;
+  int count_ = 0;
+  std::vector<const char *> values_;
+  std::vector<int> lengths_;
+  std::vector<int> formats_;
+  std::vector<int> lastFormats_;
+  std::vector<Malloced<>> owned_;
 };
 
 }  // namespace zev

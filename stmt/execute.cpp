@@ -6,6 +6,8 @@
 #include "core/frame.h"
 #include "core/frame_rows.h"
 #include "core/wire.h"
+#include "stmt/execute_block.h"
+#include "stmt/execute_bulk.h"
 #include "stmt/result.h"
 #include "zevoci/trace.h"
 
@@ -37,7 +39,7 @@ sword runStatement(const Execution &x, ub4 mode) {
   if (mode == OCI_PARSE_ONLY) return stmt->serverPrepared ? OCI_SUCCESS : OCI_ERROR;
   const sword status = ExecuteOCIStmt(x.server, stmt, x.errhp, x.iters, x.rowoff);
   if (mode == OCI_STMT_SCROLLABLE_READONLY) return status;
-  if (status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO) {
+  if (zev::isSuccess(status)) {
     stmt->ranOnce = 1;
     if (mode & OCI_COMMIT_ON_SUCCESS) COMMIT_TRANSACTION(x.server->conn);
   }
@@ -64,6 +66,14 @@ sword executeOther(const Execution &x, ub4 mode) {
   return runStatement(x, mode);
 }
 
+/// One more step of an execution that has not waited for its rows.
+sword continueBulk(const Execution &x, ub4 mode) {
+  const sword status = ExecuteAsyncBulkInsertUpdateStmt(x.server, x.stmt, x.errhp, 0, 0);
+  const bool isDone = zev::isSuccess(status);
+  if (isDone && mode & OCI_COMMIT_ON_SUCCESS) COMMIT_TRANSACTION(x.server->conn);
+  return status;
+}
+
 sword execute(OCISvcCtx *svchp, OCIStmt *stmt, OCIError *errhp, ub4 iters, ub4 rowoff,
               ub4 mode) {
   if (!stmt->prepared) return zev::fail(errhp, 24337);
@@ -74,6 +84,10 @@ sword execute(OCISvcCtx *svchp, OCIStmt *stmt, OCIError *errhp, ub4 iters, ub4 r
   if (status != OCI_SUCCESS) return status;
   if (PQstatus(server->conn) != CONNECTION_OK) return zev::fail(errhp, 25407);
   const Execution x{server, stmt, errhp, iters, rowoff};
+  if (stmt->asyncBulkActive) return continueBulk(x, mode);
+  if (stmt->asyncSelectActive && mode != OCI_DESCRIBE_ONLY) {
+    return continueAsyncSelect(server, stmt, errhp, iters, 0);
+  }
   if (stmt->stmtType != OCI_STMT_SELECT) return executeOther(x, mode);
   stmt->execMode = mode;
   return executeSelect(x, mode);
@@ -90,7 +104,21 @@ sword executePlain(const Execution &x) {
   }
   zev::holdResult(stmt, std::move(result));
   if (commitsItself(stmt->stmtType)) COMMIT_TRANSACTION(x.server->conn);
-  return zev::takeNotice(x.errhp) ? OCI_SUCCESS_WITH_INFO : OCI_SUCCESS;
+  return zev::noticeStatus(x.errhp);
+}
+
+/// An INSERT or UPDATE, whose rows go together where there are several.
+sword executeByArray(const Execution &x) {
+  const auto rows = static_cast<sb4>(x.iters - x.rowoff);
+  auto road = &ExecuteBulkInsertUpdateStmt;
+  if (!x.stmt->arrayOfStruct) {
+    if (rows <= 1) {
+      road = &ExecuteDMLStmt;
+    } else if (x.server->nonBlocking) {
+      road = &ExecuteAsyncBulkInsertUpdateStmt;
+    }
+  }
+  return road(x.server, x.stmt, x.errhp, x.iters, x.rowoff);
 }
 
 sword executeByType(const Execution &x) {
@@ -108,11 +136,12 @@ sword executeByType(const Execution &x) {
       return zev::fetchFirstRows(x);
     case OCI_STMT_INSERT:
     case OCI_STMT_UPDATE:
+      return executeByArray(x);
     case OCI_STMT_DELETE:
       return ExecuteDMLStmt(x.server, x.stmt, x.errhp, x.iters, x.rowoff);
     case OCI_STMT_BEGIN:
     case OCI_STMT_DECLARE:
-      return zev::fail(x.errhp, 3001);
+      return zev::executeBlock(x);
     default:
       return OCI_SUCCESS;
   }
@@ -129,7 +158,7 @@ extern "C" sword ExecuteOCIStmt(OCIServer *server, OCIStmt *stmt, OCIError *errh
   stmt->executed = 0;
   ClearOCIStmtResultset(server, stmt);
   const sword status = executeByType({server, stmt, errhp, iters, rowoff});
-  stmt->executed = status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO ||
+  stmt->executed = zev::isSuccess(status) ||
                    (status == OCI_NO_DATA && stmt->stmtType == OCI_STMT_SELECT);
   return status;
 }

@@ -50,6 +50,7 @@ class RewrittenText {
 
   const char *query() const { return query_; }
   const Oid *types() const { return types_; }
+  const ub4 *directions() const { return directions_; }
 
  private:
   char *query_ = nullptr;

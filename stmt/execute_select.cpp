@@ -7,6 +7,7 @@
 #include "pqext/pqext.h"
 #include "stmt/bind_data.h"
 #include "stmt/execute.h"
+#include "stmt/execute_bulk.h"
 #include "stmt/fetch.h"
 #include "stmt/fill.h"
 #include "stmt/names.h"
@@ -121,7 +122,8 @@ FirstRows planFirstRows(const OCIStmt *stmt, ub4 iters) {
 
 /// Whether the execution that opens a portal goes on to fetch from it.
 bool willFetch(const Execution &x) {
-  return x.iters && !x.rowoff && x.stmt->defines && x.stmt->execMode != OCI_PARSE_ONLY;
+  return x.iters && !x.server->nonBlocking && !x.rowoff && x.stmt->defines &&
+         x.stmt->execMode != OCI_PARSE_ONLY;
 }
 
 /// Opens the portal over the converted binds, which are released.
@@ -157,10 +159,6 @@ sword openPortal(const Execution &x) {
   return OCI_SUCCESS;
 }
 
-bool stopsCall(sword status) {
-  return status < 0 || status > OCI_SUCCESS_WITH_INFO;
-}
-
 /// The portal of a former execution is closed in the round trip that opens the next one.
 void closeWithNext(const Execution &x) {
   PortalState *cursor = x.stmt->cursor;
@@ -192,7 +190,8 @@ std::optional<sword> openByPortal(const Execution &x) {
   if (const sword status = settleStatement(x); status != OCI_SUCCESS) return status;
   ClearOCIStmtResultset(x.server, stmt);
   if (stmt->execMode == OCI_DESCRIBE_ONLY) return describeStatement(x);
-  if (const sword status = GetOCIBindData(stmt, x.errhp, x.rowoff); stopsCall(status)) {
+  if (const sword status = GetOCIBindData(stmt, x.errhp, x.rowoff);
+      !zev::isSuccess(status)) {
     PQextFlush(x.server->conn);
     return status;
   }
@@ -214,7 +213,8 @@ sword declareCursor(const Execution &x) {
   if (!rewritten.query()) return zev::fail(x.errhp, 16506);
   ClearOCIStmtResultset(x.server, stmt);
   zev::traceRewriting(stmt->callText, rewritten.query());
-  if (const sword status = GetOCIBindData(stmt, x.errhp, x.rowoff); stopsCall(status)) {
+  if (const sword status = GetOCIBindData(stmt, x.errhp, x.rowoff);
+      !zev::isSuccess(status)) {
     return status;
   }
   zev::ParameterArrays arrays(stmt->placeholderBinds);
@@ -271,7 +271,7 @@ sword deliverFirstRows(const Execution &x, const FirstRows &rows) {
   cursor->currentRow += static_cast<ub4>(PQntuples(stmt->pgResult));
   if (cursor->maxRow < cursor->currentRow) cursor->maxRow = cursor->currentRow;
   stmt->resultRowPos = 0;
-  const sword notice = zev::takeNotice(x.errhp) ? OCI_SUCCESS_WITH_INFO : OCI_SUCCESS;
+  const sword notice = zev::noticeStatus(x.errhp);
   const sword filled = zev::fillDefines(stmt, x.errhp, rows.delivered);
   stmt->heldDelivered = stmt->rowsFetched;
   if (stmt->execMode == OCI_EXACT_FETCH && stmt->prefetchedRows == rows.asked) {
@@ -294,6 +294,9 @@ sword zev::fetchFirstRows(const Execution &x) {
   stmt->prefetchedRows = 0;
   stmt->prefetchConsumed = 0;
   stmt->heldDelivered = 0;
+  if (x.server->nonBlocking) {
+    return continueAsyncSelect(x.server, x.stmt, x.errhp, x.iters, x.rowoff);
+  }
   if (x.rowoff) return fail(x.errhp, 1002);
   if (!x.iters) return describePortal(x);
   ZEV_ASSERT(stmt->cursor, "cursor != ((void *)0)");

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "types/conversion_dispatch.h"
+#include "stmt/dynamic_data.h"
+#include "stmt/field.h"
 #include "zevoci/errors.h"
-#include "zevoci/trace.h"
 
 namespace zev {
 
@@ -25,7 +25,7 @@ struct Strided {
 struct ColumnPlan {
   ColumnConversion conversion;
   ub1 format;
-  bool isDynamic;
+  OCIDefine *dynamic;  ///< its callback takes the values; null for a define of buffers
   ub4 valueSize;
   Strided<char> values;
   Strided<sb2> indicators;
@@ -36,6 +36,7 @@ struct ColumnPlan {
 /// The columns of a result up to the first without a define.
 struct FetchPlan {
   bool current = false;
+  PGconn *conn = nullptr;  ///< asked about types that callbacks get; may be null
   std::vector<ColumnPlan> columns;
 };
 
@@ -46,8 +47,7 @@ namespace {
 using zev::ColumnPlan;
 using zev::FetchPlan;
 
-ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field,
-                  PGconn *conn) {
+ColumnPlan planOf(OCIDefine *define, const PGresult *result, int field, PGconn *conn) {
   const bool isStruct = define->isStruct;
   const auto stride = [isStruct](ub4 skip, std::size_t own) {
     return isStruct ? skip : own;
@@ -55,7 +55,7 @@ ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field,
   return {
       zev::conversionOf(PQftype(result, field), define->dty, conn),
       static_cast<ub1>(PQfformat(result, field)),
-      define->isDynamic != 0,
+      define->isDynamic ? define : nullptr,
       define->valueSize,
       {static_cast<char *>(define->valuep), stride(define->pvskip, define->valueSize)},
       {define->indp, stride(define->indskip, sizeof(sb2))},
@@ -66,26 +66,12 @@ ColumnPlan planOf(const OCIDefine *define, const PGresult *result, int field,
 void lookUp(FetchPlan &plan, const List *defines, const PGresult *result, PGconn *conn) {
   plan.columns.clear();
   plan.current = true;
+  plan.conn = conn;
   for (int field = 0; field < PQnfields(result); ++field) {
-    const OCIDefine *define = find_define(defines, static_cast<ub4>(field));
+    OCIDefine *define = find_define(defines, static_cast<ub4>(field));
     if (!define) return;
     plan.columns.push_back(planOf(define, result, field, conn));
   }
-}
-
-void traceField(const zev::Field &field) {
-  if (field.format == 0) {
-    ocitrace(kTraceFetched, "filldefine", "%s\n", field.value);
-  } else {
-    ocitracehex(kTraceFetched, "filldefine", field.value, field.length);
-  }
-}
-
-/// A field of a result; only one of no length can be null.
-zev::Field fieldAt(const PGresult *result, ub1 format, int row, int field) {
-  const int length = PQgetlength(result, row, field);
-  return {PQgetvalue(result, row, field), length, format,
-          length == 0 && PQgetisnull(result, row, field) != 0};
 }
 
 /// Rows of a result and where they go.
@@ -95,16 +81,26 @@ struct RowSpan {
   ub4 bufferRow;  ///< row of the program's buffers
 };
 
+/// Gives the rows of one column to the callback of its define.
+sword callForColumn(OCIDefine *define, OCIError *errhp, const PGresult *result, int field,
+                    const RowSpan &rows, PGconn *conn) {
+  sword status = OCI_SUCCESS;
+  for (ub4 i = 0; i < rows.count; ++i) {
+    status =
+        call_define_callback(define, errhp, result, static_cast<sb4>(rows.bufferRow + i),
+                             static_cast<sb4>(rows.first + i), field, conn);
+  }
+  return status;
+}
+
 /// Converts the rows of one column; the status is that of the last one.
 sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *result,
                  int field, const RowSpan &rows) {
-  if (column.isDynamic) return rows.count ? zev::fail(errhp, 3001) : OCI_SUCCESS;
-  const bool tracing = zev::tracing(kTraceFetched);
   sword status = OCI_SUCCESS;
   for (ub4 i = 0; i < rows.count; ++i) {
     const zev::Field cell =
-        fieldAt(result, column.format, static_cast<int>(rows.first + i), field);
-    if (tracing) traceField(cell);
+        zev::fieldAt(result, column.format, static_cast<int>(rows.first + i), field);
+    zev::traceField("filldefine", cell);
     const std::size_t row = rows.bufferRow + i;
     ub4 length = column.valueSize;
     status = zev::convertField(errhp, column.conversion, cell,
@@ -122,7 +118,10 @@ sword fillColumns(const FetchPlan &plan, OCIError *errhp, const PGresult *result
   sword status = OCI_SUCCESS;
   int field = 0;
   for (const ColumnPlan &column : plan.columns) {
-    status = fillColumn(column, errhp, result, field++, rows);
+    status = column.dynamic
+                 ? callForColumn(column.dynamic, errhp, result, field, rows, plan.conn)
+                 : fillColumn(column, errhp, result, field, rows);
+    ++field;
   }
   return status;
 }

@@ -5,6 +5,7 @@
 #include "core/frame.h"
 #include "core/frame_rows.h"
 #include "core/memory_cache.h"
+#include "stmt/execute_bulk.h"
 #include "stmt/portal.h"
 #include "stmt/result.h"
 #include "stmt/statement_text.h"
@@ -66,10 +67,12 @@ void forgetStatement(OCIStmt *stmt, OCIError *errhp) {
   stmt->isCallable = 0;
   stmt->hasReturn = 0;
   zev::dropResults(stmt);
+  zev::abandonBulk(stmt);
   dropServerObjects(stmt, errhp);
   stmt->prepared = 0;
   stmt->argModesKnown = 0;
   stmt->hasOutParams = 0;
+  stmt->arrayRowCount = 0;
   stmt->executed = 0;
 }
 

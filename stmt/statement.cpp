@@ -5,6 +5,7 @@
 #include "core/attribute_value.h"
 #include "core/cursor_attributes.h"
 #include "core/memory_cache.h"
+#include "stmt/execute_bulk.h"
 #include "stmt/fill.h"
 #include "stmt/portal.h"
 #include "stmt/result.h"
@@ -118,6 +119,7 @@ void Free_OCIStmt(OCIStmt *h) {
   zev::freeDefines(h);
   zev::freeListAndMembers(h->placeholderNames);
   zev::dropResults(h);
+  zev::abandonBulk(h);
   dropServerObjects(h);
   for (char *text :
        {h->stmtText, h->callText, h->preparedName, h->returnParam, h->procName}) {

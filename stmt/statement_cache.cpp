@@ -113,7 +113,7 @@ sword prepareNew(OCIEnv *env, OCISvcCtx *svchp, OCIStmt **stmtp, OCIError *errhp
   if (status == OCI_SUCCESS && svchp->stmtCacheEnabled) {
     status = enterCache(svchp, stmt, errhp, key, keyLength);
   }
-  if (status != OCI_SUCCESS && status != OCI_SUCCESS_WITH_INFO) {
+  if (!zev::isSuccess(status)) {
     retire(stmt);
     *stmtp = nullptr;
     return status;

@@ -103,6 +103,16 @@ inline bool takeNotice(OCIError *errhp) {
   return marked;
 }
 
+/// takeNotice as a status: OCI_SUCCESS_WITH_INFO or OCI_SUCCESS.
+inline sword noticeStatus(OCIError *errhp) {
+  return takeNotice(errhp) ? OCI_SUCCESS_WITH_INFO : OCI_SUCCESS;
+}
+
+/// Whether a status lets the work go on, with or without something recorded.
+inline bool isSuccess(sword status) {
+  return status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO;
+}
+
 /// Records a failed conversion of text at the interface by its errno and returns
 /// OCI_ERROR.
 sword failConversion(OCIError *errhp, sword status, int error);

@@ -1,0 +1,42 @@
+/// Where one row of a bind's buffers lies.
+#pragma once
+
+#include "zevoci/statement.h"
+
+namespace zev {
+
+/// The buffers of one row; each may be null.
+struct RowBuffers {
+  void *value;
+  sb2 *indicator;
+  ub2 *length;
+  ub2 *returnCode;
+};
+
+template <class T>
+T *rowOf(T *base, ub4 row, std::size_t stride) {
+  if (!base) return nullptr;
+  return reinterpret_cast<T *>(reinterpret_cast<char *>(base) + row * stride);
+}
+
+/// The buffers of row `row`: every skip of an array of structs, or, in plain arrays, one
+/// value size and one element.
+inline RowBuffers rowBuffers(const OCIBind *bind, ub4 row) {
+  const auto stride = [bind](ub4 skip, std::size_t own) {
+    return bind->isStruct ? skip : own;
+  };
+  return {rowOf(static_cast<char *>(bind->valuep), row,
+                stride(bind->pvskip, static_cast<std::size_t>(bind->valueSize))),
+          rowOf(bind->indp, row, stride(bind->indskip, sizeof(sb2))),
+          rowOf(bind->alenp, row, stride(bind->alskip, sizeof(ub2))),
+          rowOf(bind->rcodep, row, stride(bind->rcskip, sizeof(ub2)))};
+}
+
+/// The statement that takes the cursor of a SQLT_RSET bind; null for the other types and
+/// where the bind has none.
+inline OCIStmt *childOf(const OCIBind *bind, ub4 row) {
+  if (bind->dty != SQLT_RSET) return nullptr;
+  return static_cast<OCIStmt *>(rowBuffers(bind, row).value);
+}
+
+}  // namespace zev
