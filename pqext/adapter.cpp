@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "pqext/bulk_run.h"
 #include "pqext/pqext.h"
 
 namespace zev::pqext {
@@ -31,6 +32,11 @@ int onEvent(PGEventId id, void *info, void *) noexcept {
 
 }  // namespace
 
+Adapter::Adapter() = default;
+Adapter::Adapter(Adapter &&) noexcept = default;
+Adapter &Adapter::operator=(Adapter &&) noexcept = default;
+Adapter::~Adapter() = default;
+
 Adapter *attached(PGconn *conn) {
   return static_cast<Adapter *>(PQinstanceData(conn, onEvent));
 }
@@ -46,11 +52,15 @@ Adapter *attach(PGconn *conn) {
 Adapter *beginOperation(PGconn *conn) {
   Adapter *adapter = attach(conn);
   if (!adapter) return nullptr;
+  if (adapter->run) endRun(conn, *adapter);
+  adapter->bulkError.clear();
   if (adapter->bind && adapter->bind->pipelined) collectBind(conn, *adapter);
   adapter->bind.reset();
   adapter->sent = false;
   adapter->ready.reset();
   adapter->head.reset();
+  adapter->call.reset();
+  adapter->out.reset();
   adapter->closesSent = 0;
   settlePortals(conn, *adapter);
   if (adapter->closesOverdue) flushCloses(conn, *adapter);
@@ -101,10 +111,12 @@ PGresult *PQextGetResult(PGconn *conn) {
   return guarded<PGresult *>(nullptr, [&] {
     Adapter *adapter = attached(conn);
     if (!adapter) return PQgetResult(conn);
+    if (adapter->run) return adapter->run->progress(conn).release();
     if (adapter->bind) return collectBind(conn, *adapter).release();
     if (adapter->ready) return adapter->ready.release();
     if (!std::exchange(adapter->sent, false)) return PQgetResult(conn);
     Result result = readCommand(conn);
+    if (adapter->call) result = takeAnswer(conn, *adapter, std::move(result));
     if (!adapter->head) return result.release();
     return joinRows(std::move(adapter->head), std::move(result)).release();
   });

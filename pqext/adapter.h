@@ -31,12 +31,24 @@ struct Portal {
   unsigned aheadCount = 0;  ///< the rows that were asked for it; 0: all
 };
 
+/// A single-row INSERT as one with many rows.
+struct ManyRows {
+  bool refused = false;       ///< the outcome could be another: rows go one by one
+  bool verified = false;      ///< the table was a plain one before
+  std::string table;          ///< as written
+  std::string head;           ///< the text up to the parenthesis of the values
+  std::string values;         ///< the values in their parentheses
+  std::vector<Oid> types;     ///< the parameters of one row
+  std::vector<int> prepared;  ///< numbers of rows that a variant stands for
+};
+
 /// The text and the declared parameter types of a prepared statement.
 struct Statement {
   std::string text;
   std::vector<Oid> types;
   bool asked =
       false;  ///< learnt from the server, so it may change without our being told
+  std::optional<ManyRows> many = {};  ///< once rows of it have been sent together
 };
 
 /// What the next bind was told to do beside binding.
@@ -54,8 +66,47 @@ struct Bind {
   std::optional<unsigned> fetches = {};
 };
 
+/// Where the value of an OUT or INOUT parameter comes from.
+struct OutColumn {
+  int parameter;    ///< which parameter of the caller, from 0
+  int column = -1;  ///< of the answer; -1: what was sent, or NULL where nothing was
+};
+
+/// A call of a routine, as it was prepared.
+struct Call {
+  std::string command;
+  std::vector<int> sent;        ///< the caller's parameters that go out, in "$n" order
+  std::vector<OutColumn> outs;  ///< one per OUT or INOUT parameter
+  std::vector<Oid> types;       ///< one per parameter of the caller
+};
+
+/// A parameter's value as it was sent, for a call that gives it back.
+struct SentValue {
+  std::string bytes;
+  int format = 0;
+  bool isNull = true;
+};
+
+/// A call on its way, until its answer has been read.
+struct PendingCall {
+  const Call *call;
+  std::vector<SentValue> sent;  ///< one per parameter of the caller, or none
+};
+
+class BulkRun;
+
 struct Adapter {
+  Adapter();
+  Adapter(Adapter &&) noexcept;
+  Adapter &operator=(Adapter &&) noexcept;
+  ~Adapter();
+
+  std::unique_ptr<BulkRun> run;  ///< a bulk run that is open
+  std::string bulkError;         ///< of the last bulk operation; empty after success
   std::map<std::string, Statement, std::less<>> statements;
+  std::map<std::string, Call, std::less<>> calls;
+  std::optional<PendingCall> call;
+  Result out;  ///< the OUT values of the last call, until they are handed out
   std::map<std::string, Portal, std::less<>> portals;
   std::vector<std::string> closes;  ///< names still to be closed
   bool closesOverdue = false;       ///< the first operation that can must do them
@@ -134,6 +185,21 @@ bool flushCloses(PGconn *conn, Adapter &adapter);
 /// Reads what belongs to the bind on its way, leaves the pipeline and returns the bind's
 /// own result.
 Result collectBind(PGconn *conn, Adapter &adapter);
+
+// many_rows.cpp
+
+/// Drops the variants of a statement on the server, as far as it can be reached.
+void dropVariants(PGconn *conn, std::string_view name, const Statement &statement);
+
+// bulk.cpp
+
+/// Ends an open bulk run, waiting for the rows on their way; whether all of them ran.
+bool endRun(PGconn *conn, Adapter &adapter);
+
+// call.cpp
+
+/// Makes the row of OUT values from the answer to the call on its way.
+Result takeAnswer(PGconn *conn, Adapter &adapter, Result answer);
 
 // fetch.cpp
 

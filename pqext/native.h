@@ -4,6 +4,10 @@
 
 #include <libpq-fe.h>
 
+#include <cstddef>
+
+enum PQextDirection { kDirectionIn = 1, kDirectionOut = 2, kDirectionInOut = 3 };
+
 inline int PQextAttach(PGconn *) {
   return 1;
 }
@@ -18,6 +22,29 @@ inline int PQextFlush(PGconn *) {
 
 inline PGresult *PQextGetResult(PGconn *conn) {
   return PQgetResult(conn);
+}
+
+/// One row after the other.
+inline PGresult *PQextExecRows(PGconn *conn, const char *stmtName, int nParams, int nRows,
+                               const char *const *values, const int *lengths,
+                               const int *formats) {
+  PGresult *result = nullptr;
+  for (int row = 0; row < nRows; ++row) {
+    const auto start = static_cast<std::ptrdiff_t>(row) * nParams;
+    PQclear(result);
+    result = PQexecPrepared(conn, stmtName, nParams, values + start, lengths + start,
+                            formats + start, 0);
+    if (PQresultStatus(result) != PGRES_COMMAND_OK) break;
+  }
+  return result;
+}
+
+inline int PQextIsBusy(PGconn *conn) {
+  return PQconsumeInput(conn) && PQisBusy(conn);
+}
+
+inline const char *PQextErrorMessage(PGconn *conn) {
+  return PQerrorMessage(conn);
 }
 
 /// Closes at once.

@@ -52,6 +52,8 @@ const Statement *findStatement(PGconn *conn, Adapter &adapter, std::string_view 
 void noteStatements(Adapter &adapter, std::string_view tag) {
   if (tag == "DEALLOCATE ALL" || tag == "DISCARD ALL") {
     adapter.statements.clear();
+    adapter.call.reset();
+    adapter.calls.clear();
   } else if (tag == "DEALLOCATE") {
     std::erase_if(adapter.statements,
                   [](const auto &entry) { return entry.second.asked; });
@@ -78,6 +80,13 @@ void PQextRememberPrepared(PGconn *conn, const char *stmtName, const char *query
 void PQextForgetPrepared(PGconn *conn, const char *stmtName) {
   Adapter *adapter = attached(conn);
   if (!adapter) return;
-  const auto known = adapter->statements.find(std::string_view(stmtName));
-  if (known != adapter->statements.end()) adapter->statements.erase(known);
+  if (const auto known = adapter->statements.find(std::string_view(stmtName));
+      known != adapter->statements.end()) {
+    dropVariants(conn, stmtName, known->second);
+    adapter->statements.erase(known);
+  }
+  const auto call = adapter->calls.find(std::string_view(stmtName));
+  if (call == adapter->calls.end()) return;
+  if (adapter->call && adapter->call->call == &call->second) adapter->call.reset();
+  adapter->calls.erase(call);
 }
