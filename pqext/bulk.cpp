@@ -51,7 +51,7 @@ class RowCopies {
 /// A stepwise run with what it was opened for.
 struct StepwiseRun : BulkRun {
   StepwiseRun(PGconn *conn, const char *statement, int nParams, const int *sharedFormats)
-      : BulkRun(conn), name(statement), params(nParams) {
+      : BulkRun(conn), name(statement ? statement : ""), params(nParams) {
     if (sharedFormats) formats.assign(sharedFormats, sharedFormats + nParams);
   }
   std::string name;

@@ -220,6 +220,9 @@ int PQsendQueryPreparedOut(PGconn *conn, const char *stmtName, int nParams,
   return guarded(0, [&] {
     Adapter *adapter = beginOperation(conn);
     if (!adapter || resultFormat != 0) return 0;
+    // The client library itself says what is wrong with no name.
+    if (!stmtName)
+      return PQsendQueryPrepared(conn, stmtName, 0, nullptr, nullptr, nullptr, 0);
     auto call = adapter->calls.find(std::string_view(stmtName));
     if (call == adapter->calls.end()) {
       const std::vector<unsigned> directions(static_cast<std::size_t>(nParams),

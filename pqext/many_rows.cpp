@@ -194,7 +194,7 @@ void dropVariants(PGconn *conn, std::string_view name, const Statement &statemen
 
 Result runTogether(PGconn *conn, Adapter &adapter, const char *name,
                    const RowArrays &rows) {
-  if (rows.count < kFewestRows || PQtransactionStatus(conn) != PQTRANS_INTRANS) {
+  if (!name || rows.count < kFewestRows || PQtransactionStatus(conn) != PQTRANS_INTRANS) {
     return nullptr;
   }
   const auto known = adapter.statements.find(std::string_view(name));

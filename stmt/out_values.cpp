@@ -69,7 +69,7 @@ bool takesNothing(const OCIStmt *stmt, const OCIBind *bind, ub4 index) {
 /// Whether a column leaves a bind as it is: one that is not there, and a NULL, of which
 /// only callbacks are told.
 bool passesOver(const OCIBind *bind, const PGresult *result, int column) {
-  if (column >= PQnfields(result)) return true;
+  if (column >= PQnfields(result) || PQntuples(result) < 1) return true;
   return !bind->isDynamic && PQgetisnull(result, 0, column);
 }
 
@@ -93,7 +93,7 @@ extern "C" sword fill_bind_parameters(OCIStmt *stmt, OCIError *errhp, OCIBind *r
   }
   if (gDBServerVersion < kFirstWithOutParameters && !stmt->paramCount) return status;
   if (!outResult || !placeholderBinds ||
-      list_length(placeholderBinds) != stmt->paramCount || PQntuples(outResult) < 1) {
+      list_length(placeholderBinds) != stmt->paramCount) {
     return OCI_ERROR;
   }
   ub4 index = 0;

@@ -1,10 +1,13 @@
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "core/edge_text.h"
 #include "core/frame.h"
 #include "core/frame_rows.h"
 #include "core/memory_cache.h"
+#include "stmt/block.h"
 #include "stmt/execute_bulk.h"
 #include "stmt/portal.h"
 #include "stmt/result.h"
@@ -88,9 +91,21 @@ sword takeText(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length) 
   return OCI_SUCCESS;
 }
 
-/// Call blocks are not understood yet: every text that begins like one is refused.
-bool parseCallBlock(const OCIStmt *) {
-  return false;
+struct ReleaseBlock {
+  void operator()(OCICallableStmt *node) const noexcept { ReleaseOCICallableStmt(node); }
+};
+
+/// Makes a statement the call that its block holds. False when it holds none.
+bool takeCallBlock(OCIStmt *stmt) {
+  const std::unique_ptr<OCICallableStmt, ReleaseBlock> node(
+      zev::parseBlock(stmt->stmtText));
+  if (!node) return false;
+  stmt->isCallable = 1;
+  stmt->hasReturn = node->hasReturn;
+  stmt->procName = std::exchange(node->name, nullptr);
+  stmt->callText = std::exchange(node->text, nullptr);
+  stmt->returnParam = std::exchange(node->returnParam, nullptr);
+  return true;
 }
 
 sword prepare(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length,
@@ -101,7 +116,7 @@ sword prepare(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length,
   stmt->language = language;
   stmt->mode = OCI_DEFAULT;
   stmt->stmtType = GetStatementType(stmt->stmtText);
-  if (stmt->stmtType == OCI_STMT_BEGIN && !parseCallBlock(stmt)) {
+  if (stmt->stmtType == OCI_STMT_BEGIN && !takeCallBlock(stmt)) {
     zev::freeText(stmt->stmtText);
     stmt->textLen = 0;
     return zev::fail(errhp, 13780);

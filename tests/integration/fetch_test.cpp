@@ -294,16 +294,6 @@ TEST_F(FetchTest, ADefineInTheMiddleOfABatchTakesEffect) {
   EXPECT_EQ(number, 1);
 }
 
-TEST_F(FetchTest, ADynamicDefineIsRefusedUntilItsCallbackCanBeCalled) {
-  Statement stmt = series(3);
-  OCIDefine *define = nullptr;
-  ASSERT_EQ(OCIDefineByPos(stmt.handle(), &define, errhp(), 1, nullptr, 10, SQLT_CHR,
-                           nullptr, nullptr, nullptr, OCI_DYNAMIC_FETCH),
-            OCI_SUCCESS);
-  EXPECT_EQ(stmt.execute(), OCI_ERROR);
-  expectError(3001);
-}
-
 TEST_F(FetchTest, APortalIsGoneAfterACommit) {
   Statement stmt = series(20);
   sb4 value = 0;
