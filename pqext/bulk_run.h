@@ -41,6 +41,9 @@ class BulkRun {
 
   /// Takes the connection into pipeline mode.
   explicit BulkRun(PGconn *conn);
+  virtual ~BulkRun() = default;
+  BulkRun(const BulkRun &) = delete;
+  BulkRun &operator=(const BulkRun &) = delete;
 
   /// Whether the connection is in pipeline mode for this run.
   bool isOpen() const { return open_; }

@@ -158,8 +158,8 @@ extern "C" sword ExecuteOCIStmt(OCIServer *server, OCIStmt *stmt, OCIError *errh
   stmt->executed = 0;
   ClearOCIStmtResultset(server, stmt);
   const sword status = executeByType({server, stmt, errhp, iters, rowoff});
-  stmt->executed = zev::isSuccess(status) ||
-                   (status == OCI_NO_DATA && stmt->stmtType == OCI_STMT_SELECT);
+  const bool hasNoRows = status == OCI_NO_DATA && stmt->stmtType == OCI_STMT_SELECT;
+  if (zev::isSuccess(status) || hasNoRows) stmt->executed = 1;
   return status;
 }
 

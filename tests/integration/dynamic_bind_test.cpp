@@ -116,9 +116,9 @@ TEST_F(DynamicBindTest, GatheringEndsOnlyAtALastPieceThatIsNull) {
                            {.bytes = "", .indicator = -1, .piece = OCI_LAST_PIECE}}};
   ASSERT_EQ(echo(":v", sender, SQLT_CHR), OCI_SUCCESS) << errorText();
   EXPECT_EQ(seen, "NULL");
-  EXPECT_EQ(sender.asked, (std::vector<ub1>{OCI_FIRST_PIECE, OCI_NEXT_PIECE,
-                                            OCI_NEXT_PIECE, OCI_NEXT_PIECE,
-                                            OCI_NEXT_PIECE}));
+  EXPECT_EQ(sender.asked,
+            (std::vector<ub1>{OCI_FIRST_PIECE, OCI_NEXT_PIECE, OCI_NEXT_PIECE,
+                              OCI_NEXT_PIECE, OCI_NEXT_PIECE}));
   EXPECT_TRUE(sender.startedEmpty);
 }
 
