@@ -43,6 +43,31 @@ void printHexRow(const unsigned char *data, int offset, int count) {
   std::fputc('\n', oci_debug_log);
 }
 
+/// The line that every narrative trace gives as its own.
+constexpr int kTraceLine = 916;
+
+/// Writes a format whose placeholders all show the address of the argument list: as it
+/// stands, its low bits, or the bytes at it up to the first zero.
+void printUnexpanded(const char *format, const void *list) {
+  for (; *format; ++format) {
+    if (format[0] != '%' || !format[1]) {
+      std::fputc(*format, oci_debug_log);
+      continue;
+    }
+    switch (*++format) {
+      case 'p':
+        std::fprintf(oci_debug_log, "%p", list);
+        break;
+      case 's':
+        std::fprintf(oci_debug_log, "%.4s", static_cast<const char *>(list));
+        break;
+      default:
+        std::fprintf(oci_debug_log, "%d",
+                     static_cast<int>(reinterpret_cast<std::uintptr_t>(list)));
+    }
+  }
+}
+
 }  // namespace
 
 extern "C" {
@@ -53,6 +78,20 @@ int OCI2PQ_TRACE_LEVEL = 0;
 
 int ocitracing(std::uint64_t mask) {
   return zev::tracing(mask);
+}
+
+void o2pTrace(int level, const char *format, ...) {
+  if (!__atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED) ||
+      __atomic_load_n(&OCI2PQ_TRACE_LEVEL, __ATOMIC_RELAXED) < level) {
+    return;
+  }
+  va_list list;
+  va_start(list, format);
+  std::fprintf(oci_debug_log, "TRACE%d-%s[%s:%d]: ", level, "o2pTrace", "trace.cpp",
+               kTraceLine);
+  printUnexpanded(format, &list);
+  va_end(list);
+  std::fflush(oci_debug_log);
 }
 
 void ocitrace(std::uint64_t mask, const char *label, const char *format, ...) {

@@ -268,6 +268,50 @@ sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 /* Prepares the current transaction for commit under the XID of the transaction handle. */
 sword OCITransPrepare(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
+/* ---- Describing ---- */
+
+/* A new parameter descriptor for select-list item or list element pos, counted from 1, of
+   the statement (OCI_HTYPE_STMT) or list parameter (OCI_DTYPE_PARAM) hndlp. The caller
+   frees it with OCIDescriptorFree. */
+sword OCIParamGet(const void *hndlp, ub4 htype, OCIError *errhp, void **parmdpp, ub4 pos);
+
+/* Describes the table (OCI_PTYPE_TABLE) of exactly the name objptr, objnm_len bytes, into
+   dschp; read it through OCI_ATTR_PARAM. */
+sword OCIDescribeAny(OCISvcCtx *svchp, OCIError *errhp, void *objptr, ub4 objnm_len,
+                     ub1 objptr_typ, ub1 info_level, ub1 objtyp, OCIDescribe *dschp);
+
+/* ---- Large objects ---- */
+
+/* A locator is allocated by OCIDescriptorAlloc(OCI_DTYPE_LOB) and filled by a fetch of a
+   column with the OID of a large object into SQLT_BLOB. Amounts and offsets count bytes.
+   All work happens in the session's transaction, which the program ends; a locator that
+   is left open does not outlive it. */
+
+/* Opens a locator for reading and writing; the calls below then leave it open. */
+sword OCILobOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub1 mode);
+
+/* Closes a locator. */
+sword OCILobClose(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
+
+/* The size in bytes. */
+sword OCILobGetLength(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *lenp);
+
+/* Reads up to *amtp bytes from the byte behind offset on into bufp, as often as it takes,
+   giving each bufferful to cbfp, the last as OCI_LAST_PIECE. Without cbfp all must fit
+   into bufl bytes. *amtp becomes what was read. */
+sword OCILobRead(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
+                 ub4 offset, void *bufp, ub4 bufl, void *ctxp, OCICallbackLobRead cbfp,
+                 ub2 csid, ub1 csfrm);
+
+/* Cuts a large object to newlen bytes. */
+sword OCILobTrim(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 newlen);
+
+/* Writes *amtp bytes behind the end; *amtp becomes what was written. The arguments behind
+   bufp are not used. */
+sword OCILobWriteAppend(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
+                        void *bufp, ub4 buflen, ub1 piece, void *ctxp,
+                        OCICallbackLobWrite cbfp, ub2 csid, ub1 csfrm);
+
 #ifdef __cplusplus
 }
 #endif

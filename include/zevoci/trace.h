@@ -39,6 +39,9 @@ ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *form
 /// Writes a labelled hex dump, 16 bytes a row, when `mask` is on.
 ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data,
                             sb4 length);
+/// Writes a narrative line, and flushes, unless OCI2PQ_TRACE_LEVEL is below `level`. The
+/// arguments are not expanded: only a format without placeholders reads as meant.
+ZEV_HELPER void o2pTrace(int level, const char *format, ...);
 /// Whether a trace under `mask` would be written.
 ZEV_HELPER int ocitracing(std::uint64_t mask);
 /// Writes the server's wait statistics for this session when mask 0x2000 is on.

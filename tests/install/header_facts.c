@@ -1256,6 +1256,19 @@ FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransRollback, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransStart, (OCISvcCtx *, OCIError *, uword, ub4));
+FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
+FUNCTION(sword, OCIDescribeAny,
+         (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1, OCIDescribe *));
+FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobRead,
+         (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4, void *, ub4, void *,
+          OCICallbackLobRead, ub2, ub1));
+FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobWriteAppend,
+         (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, void *, ub4, ub1, void *,
+          OCICallbackLobWrite, ub2, ub1));
 
 /* ---- Callback shapes ---- */
 
@@ -1265,6 +1278,7 @@ CALLBACK(sb4, OCICallbackOutBind,
          (void *, OCIBind *, ub4, ub4, void **, ub4 **, ub1 *, void **, ub2 **));
 CALLBACK(sb4, OCICallbackDefine,
          (void *, OCIDefine *, ub4, void **, ub4 **, ub1 *, void **, ub2 **));
+CALLBACK(sb4, OCICallbackLobWrite, (void *, void *, ub4 *, ub1 *));
 CALLBACK(sb4, OCICallbackLobRead,
          (void *, const void *, ub4, ub1));
 CALLBACK(sb4, OCICallbackLobRead2,
