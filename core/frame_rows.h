@@ -23,7 +23,7 @@ inline constexpr FrameRow kDefineDynamic       { 26, Clear::AfterCallbacks,     
 inline constexpr FrameRow kDefineArrayOfStruct { 27, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtFetch           { 28, Clear::AfterCallbacks,           true,  false};
 inline constexpr FrameRow kStmtGetBindInfo     { 29, Clear::AfterCallbacks,           true,  true };
-inline constexpr FrameRow kDescribeAny         { 32, Clear::BeforeCallbacks,          true,  true };
+inline constexpr FrameRow kDescribeAny         { 32, Clear::Never,                    true,  true };
 inline constexpr FrameRow kTransStart          { 33, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kTransCommit         { 35, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kErrorGet            { 37, Clear::Never,                    true,  true };
