@@ -37,7 +37,7 @@ class Described {
   void *param_;
 };
 
-class DescribeTest : public OciTest {
+class DescribedColumnsTest : public OciTest {
  protected:
   sword paramGet(Statement &stmt, ub4 position) {
     param_ = nullptr;
@@ -81,9 +81,9 @@ const Column kColumns[] = {
 };
 // clang-format on
 
-class ColumnTest : public DescribeTest, public testing::WithParamInterface<Column> {};
+class ColumnTypeTest : public DescribedColumnsTest, public testing::WithParamInterface<Column> {};
 
-TEST_P(ColumnTest, IsToldBeforeAnyRow) {
+TEST_P(ColumnTypeTest, IsToldBeforeAnyRow) {
   const Column &row = GetParam();
   run(std::string("CREATE TEMP TABLE described (c ") + row.type + ", n " + row.type +
       " NOT NULL)");
@@ -108,10 +108,10 @@ TEST_P(ColumnTest, IsToldBeforeAnyRow) {
   EXPECT_EQ(n.get<ub1>(OCI_ATTR_CHARSET_FORM), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Types, ColumnTest, testing::ValuesIn(kColumns),
+INSTANTIATE_TEST_SUITE_P(Types, ColumnTypeTest, testing::ValuesIn(kColumns),
                          [](const auto &row) { return std::string(row.param.name); });
 
-TEST_F(DescribeTest, NoIterationsDescribeThePortal) {
+TEST_F(DescribedColumnsTest, NoIterationsDescribeThePortal) {
   Statement stmt = statement("SELECT 'abc'::text AS t, 1 AS i");
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS) << errorText();
   EXPECT_EQ(stmt.attribute(OCI_ATTR_PARAM_COUNT), 2u);
@@ -123,7 +123,7 @@ TEST_F(DescribeTest, NoIterationsDescribeThePortal) {
   EXPECT_EQ(text.text(), "abc");
 }
 
-TEST_F(DescribeTest, FetchedTextTellsItsLongestValue) {
+TEST_F(DescribedColumnsTest, FetchedTextTellsItsLongestValue) {
   Statement stmt = statement("SELECT repeat('x', g) FROM generate_series(3, 7) g");
   TextBuffer<> texts[5];
   stmt.define(1, texts[0].value, 256, SQLT_STR);
@@ -136,7 +136,7 @@ TEST_F(DescribeTest, FetchedTextTellsItsLongestValue) {
   EXPECT_EQ(column(stmt, 1).get<ub2>(OCI_ATTR_CHAR_SIZE), 7u);
 }
 
-TEST_F(DescribeTest, PrecisionIsImplicitAfterTheFirstExecute) {
+TEST_F(DescribedColumnsTest, PrecisionIsImplicitAfterTheFirstExecute) {
   Statement stmt = statement("SELECT 1::numeric(12,4)");
   TextBuffer<> text;
   stmt.define(1, text);
@@ -145,7 +145,7 @@ TEST_F(DescribeTest, PrecisionIsImplicitAfterTheFirstExecute) {
   EXPECT_EQ(column(stmt, 1).get<sb1>(OCI_ATTR_SCALE), 4);
 }
 
-TEST_F(DescribeTest, NameIsOneBlockHoweverOftenItIsRead) {
+TEST_F(DescribedColumnsTest, NameIsOneBlockHoweverOftenItIsRead) {
   Statement stmt = statement("SELECT 1 AS a_name");
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS);
   const Described c = column(stmt, 1);
@@ -153,7 +153,7 @@ TEST_F(DescribeTest, NameIsOneBlockHoweverOftenItIsRead) {
   EXPECT_NE(column(stmt, 1).get<void *>(OCI_ATTR_NAME), c.get<void *>(OCI_ATTR_NAME));
 }
 
-TEST_F(DescribeTest, PositionsOutsideTheListAreMissing) {
+TEST_F(DescribedColumnsTest, PositionsOutsideTheListAreMissing) {
   Statement stmt = statement("SELECT 1, 2");
   EXPECT_EQ(paramGet(stmt, 1), OCI_ERROR);
   expectError(24338);
@@ -164,7 +164,7 @@ TEST_F(DescribeTest, PositionsOutsideTheListAreMissing) {
   }
 }
 
-TEST_F(DescribeTest, OtherStatementsHaveNoList) {
+TEST_F(DescribedColumnsTest, OtherStatementsHaveNoList) {
   run("CREATE TEMP TABLE no_list (a int)");
   Statement stmt = statement("INSERT INTO no_list VALUES (1)");
   EXPECT_EQ(paramGet(stmt, 1), OCI_ERROR);
@@ -174,7 +174,7 @@ TEST_F(DescribeTest, OtherStatementsHaveNoList) {
   expectError(24334);
 }
 
-TEST_F(DescribeTest, WrongHandlesAreRefused) {
+TEST_F(DescribedColumnsTest, WrongHandlesAreRefused) {
   Statement stmt = statement("SELECT 1");
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS);
   void *param = nullptr;
@@ -190,7 +190,7 @@ TEST_F(DescribeTest, WrongHandlesAreRefused) {
   expectError(24316);
 }
 
-TEST_F(DescribeTest, UnknownAttributesAreRefused) {
+TEST_F(DescribedColumnsTest, UnknownAttributesAreRefused) {
   Statement stmt = statement("SELECT 1");
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS);
   const Described c = column(stmt, 1);
@@ -200,14 +200,14 @@ TEST_F(DescribeTest, UnknownAttributesAreRefused) {
   expectError(21301);
 }
 
-TEST_F(DescribeTest, DescriptorIsFreedByItsOwner) {
+TEST_F(DescribedColumnsTest, DescriptorIsFreedByItsOwner) {
   Statement stmt = statement("SELECT 1");
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS);
   const Described c = column(stmt, 1);
   EXPECT_EQ(OCIDescriptorFree(c.handle(), OCI_DTYPE_PARAM), OCI_SUCCESS);
 }
 
-class DescribeAnyTest : public DescribeTest {
+class DescribedTableTest : public DescribedColumnsTest {
  protected:
   void SetUp() override {
     OciTest::SetUp();
@@ -241,7 +241,7 @@ class DescribeAnyTest : public DescribeTest {
   OCIDescribe *describe_ = nullptr;
 };
 
-TEST_F(DescribeAnyTest, TableTellsItsColumns) {
+TEST_F(DescribedTableTest, TableTellsItsColumns) {
   ASSERT_EQ(describe("Described_t"), OCI_SUCCESS) << errorText();
   const Described t = table();
   EXPECT_EQ(t.get<ub2>(OCI_ATTR_NUM_COLS), 5);
@@ -273,7 +273,7 @@ TEST_F(DescribeAnyTest, TableTellsItsColumns) {
             30u);
 }
 
-TEST_F(DescribeAnyTest, TableTellsItself) {
+TEST_F(DescribedTableTest, TableTellsItself) {
   ASSERT_EQ(describe("Described_t"), OCI_SUCCESS);
   const Described t = table();
   Statement stmt = statement("SELECT '\"Described_t\"'::regclass::oid::int8::int4");
@@ -294,14 +294,14 @@ TEST_F(DescribeAnyTest, TableTellsItself) {
   expectError(21301);
 }
 
-TEST_F(DescribeAnyTest, NameIsTakenAsItIs) {
+TEST_F(DescribedTableTest, NameIsTakenAsItIs) {
   EXPECT_EQ(describe("described_t"), OCI_ERROR);
   expectError(4043, "described_t");
   EXPECT_EQ(describe("Described_t "), OCI_ERROR);
   expectError(4043);
 }
 
-TEST_F(DescribeAnyTest, ViewAndIndexAnswerLikeTables) {
+TEST_F(DescribedTableTest, ViewAndIndexAnswerLikeTables) {
   run("CREATE TEMP VIEW described_v AS SELECT id, v FROM \"Described_t\"");
   run("CREATE INDEX described_i ON \"Described_t\" (n, id)");
   for (const char *name : {"described_v", "described_i"}) {
@@ -310,13 +310,13 @@ TEST_F(DescribeAnyTest, ViewAndIndexAnswerLikeTables) {
   }
 }
 
-TEST_F(DescribeAnyTest, CompositeTypeIsTyped) {
+TEST_F(DescribedTableTest, CompositeTypeIsTyped) {
   run("CREATE TYPE pg_temp.described_c AS (a int, b text)");
   ASSERT_EQ(describe("described_c"), OCI_SUCCESS) << errorText();
   EXPECT_EQ(table().get<ub1>(OCI_ATTR_IS_TYPED), 1);
 }
 
-TEST_F(DescribeAnyTest, DroppedColumnLeavesNone) {
+TEST_F(DescribedTableTest, DroppedColumnLeavesNone) {
   run("ALTER TABLE \"Described_t\" DROP COLUMN n");
   ASSERT_EQ(describe("Described_t"), OCI_SUCCESS);
   const Described t = table();
@@ -326,7 +326,7 @@ TEST_F(DescribeAnyTest, DroppedColumnLeavesNone) {
   expectError(24334);
 }
 
-TEST_F(DescribeAnyTest, ListsHaveNoAttributes) {
+TEST_F(DescribedTableTest, ListsHaveNoAttributes) {
   ASSERT_EQ(describe("Described_t"), OCI_SUCCESS);
   const Described list(errhp(), table().get<void *>(OCI_ATTR_LIST_COLUMNS));
   EXPECT_EQ(list.status(OCI_ATTR_NUM_COLS), OCI_ERROR);
@@ -337,7 +337,7 @@ TEST_F(DescribeAnyTest, ListsHaveNoAttributes) {
   }
 }
 
-TEST_F(DescribeAnyTest, EachReadGivesACopyOfItsOwn) {
+TEST_F(DescribedTableTest, EachReadGivesACopyOfItsOwn) {
   ASSERT_EQ(describe("Described_t"), OCI_SUCCESS);
   const Described first = table(), second = table();
   EXPECT_NE(first.handle(), second.handle());
@@ -347,7 +347,7 @@ TEST_F(DescribeAnyTest, EachReadGivesACopyOfItsOwn) {
   EXPECT_EQ(table().get<ub2>(OCI_ATTR_NUM_COLS), 5);
 }
 
-TEST_F(DescribeAnyTest, WhatIsNotServedIsRefused) {
+TEST_F(DescribedTableTest, WhatIsNotServedIsRefused) {
   struct Row {
     ub1 pointerType, level, type;
     sword status;
@@ -377,7 +377,7 @@ TEST_F(DescribeAnyTest, WhatIsNotServedIsRefused) {
             OCI_INVALID_HANDLE);
 }
 
-TEST_F(DescribeAnyTest, NothingIsToldBeforeADescribe) {
+TEST_F(DescribedTableTest, NothingIsToldBeforeADescribe) {
   void *param = nullptr;
   EXPECT_EQ(
       OCIAttrGet(describe_, OCI_HTYPE_DESCRIBE, &param, nullptr, OCI_ATTR_PARAM, errhp()),

@@ -32,7 +32,7 @@ std::string randomBytes(std::size_t count) {
   return bytes;
 }
 
-class LobTest : public OciTest {
+class LargeObjectTest : public OciTest {
  protected:
   /// A locator of no object.
   OCILobLocator *allocate() {
@@ -81,12 +81,12 @@ class LobTest : public OciTest {
   std::vector<void *> owned_;
 };
 
-TEST_F(LobTest, LengthIsInBytes) {
+TEST_F(LargeObjectTest, LengthIsInBytes) {
   EXPECT_EQ(lengthOf(create("hello")), "5");
   EXPECT_EQ(lengthOf(create("")), "0");
 }
 
-TEST_F(LobTest, LengthOfNoObjectFails) {
+TEST_F(LargeObjectTest, LengthOfNoObjectFails) {
   ub4 length = 4711;
   EXPECT_EQ(OCILobGetLength(svchp(), errhp(), allocate(), &length), OCI_ERROR);
   expectError(1733);
@@ -98,7 +98,7 @@ TEST_F(LobTest, LengthOfNoObjectFails) {
   EXPECT_EQ(next.execute(), OCI_SUCCESS) << errorText();
 }
 
-TEST_F(LobTest, ReadStartsAtTheByteBehindTheOffset) {
+TEST_F(LargeObjectTest, ReadStartsAtTheByteBehindTheOffset) {
   OCILobLocator *locator = create("abcdefgh");
   std::string buffer(8, '?');
   ub4 amount = 3;
@@ -111,7 +111,7 @@ TEST_F(LobTest, ReadStartsAtTheByteBehindTheOffset) {
   EXPECT_EQ(buffer, "abcdefgh");
 }
 
-TEST_F(LobTest, ReadEndsWithTheObject) {
+TEST_F(LargeObjectTest, ReadEndsWithTheObject) {
   OCILobLocator *locator = create("abcdefgh");
   std::string buffer(100, '?');
   ub4 amount = 100;
@@ -125,7 +125,7 @@ TEST_F(LobTest, ReadEndsWithTheObject) {
   }
 }
 
-TEST_F(LobTest, CallbackGetsEveryPieceTheLastIncluded) {
+TEST_F(LargeObjectTest, CallbackGetsEveryPieceTheLastIncluded) {
   const std::string bytes = randomBytes(2500);
   OCILobLocator *locator = create(bytes);
   Reader reader;
@@ -138,7 +138,7 @@ TEST_F(LobTest, CallbackGetsEveryPieceTheLastIncluded) {
             (std::vector<ub1>{OCI_FIRST_PIECE, OCI_NEXT_PIECE, OCI_LAST_PIECE}));
 }
 
-TEST_F(LobTest, CallbackIsCalledAlsoForOneBuffer) {
+TEST_F(LargeObjectTest, CallbackIsCalledAlsoForOneBuffer) {
   OCILobLocator *locator = create("abc");
   Reader reader;
   std::string buffer(10, '?');
@@ -148,7 +148,7 @@ TEST_F(LobTest, CallbackIsCalledAlsoForOneBuffer) {
   EXPECT_EQ(reader.pieces, std::vector<ub1>{OCI_LAST_PIECE});
 }
 
-TEST_F(LobTest, CallbackThatStopsEndsTheRead) {
+TEST_F(LargeObjectTest, CallbackThatStopsEndsTheRead) {
   OCILobLocator *locator = create(randomBytes(2500));
   ASSERT_EQ(OCILobOpen(svchp(), errhp(), locator, OCI_LOB_READONLY), OCI_SUCCESS);
   Reader reader{.bytes = {}, .pieces = {}, .stopAt = 2};
@@ -159,7 +159,7 @@ TEST_F(LobTest, CallbackThatStopsEndsTheRead) {
   EXPECT_EQ(reader.pieces.size(), 2u);
 }
 
-TEST_F(LobTest, TooSmallABufferNeedsData) {
+TEST_F(LargeObjectTest, TooSmallABufferNeedsData) {
   OCILobLocator *locator = create("abcdefgh");
   std::string buffer(4, '?');
   ub4 amount = 8;
@@ -172,7 +172,7 @@ TEST_F(LobTest, TooSmallABufferNeedsData) {
   EXPECT_EQ(buffer, "????");
 }
 
-TEST_F(LobTest, OpenedLocatorStaysOpen) {
+TEST_F(LargeObjectTest, OpenedLocatorStaysOpen) {
   OCILobLocator *locator = create("abcdefgh");
   ASSERT_EQ(OCILobOpen(svchp(), errhp(), locator, OCI_LOB_READONLY), OCI_SUCCESS);
   std::string buffer(8, '?');
@@ -190,7 +190,7 @@ TEST_F(LobTest, OpenedLocatorStaysOpen) {
   EXPECT_EQ(OCILobClose(svchp(), errhp(), locator), OCI_SUCCESS);
 }
 
-TEST_F(LobTest, AppendGrowsTheObject) {
+TEST_F(LargeObjectTest, AppendGrowsTheObject) {
   OCILobLocator *locator = create("abc");
   ub4 amount = 0;
   ASSERT_EQ(append(locator, "defg", amount), OCI_SUCCESS) << errorText();
@@ -202,7 +202,7 @@ TEST_F(LobTest, AppendGrowsTheObject) {
   EXPECT_EQ(buffer, "abcdefg");
 }
 
-TEST_F(LobTest, AppendToNoObjectFailsWithTwoRecords) {
+TEST_F(LargeObjectTest, AppendToNoObjectFailsWithTwoRecords) {
   ub4 amount = 0;
   EXPECT_EQ(append(allocate(), "x", amount), OCI_ERROR);
   sb4 code = 0;
@@ -216,7 +216,7 @@ TEST_F(LobTest, AppendToNoObjectFailsWithTwoRecords) {
   }
 }
 
-TEST_F(LobTest, TrimCuts) {
+TEST_F(LargeObjectTest, TrimCuts) {
   OCILobLocator *locator = create("abcdefgh");
   ASSERT_EQ(OCILobTrim(svchp(), errhp(), locator, 3), OCI_SUCCESS) << errorText();
   EXPECT_EQ(lengthOf(locator), "3");
@@ -227,12 +227,12 @@ TEST_F(LobTest, TrimCuts) {
   expectError(1733);
 }
 
-TEST_F(LobTest, OpenOfNoObjectFails) {
+TEST_F(LargeObjectTest, OpenOfNoObjectFails) {
   EXPECT_EQ(OCILobOpen(svchp(), errhp(), allocate(), OCI_LOB_READONLY), OCI_ERROR);
   expectError(1733);
 }
 
-TEST_F(LobTest, WorkIsDoneInTheSessionsTransaction) {
+TEST_F(LargeObjectTest, WorkIsDoneInTheSessionsTransaction) {
   OCILobLocator *locator = create("abc");
   commit();
   ub4 amount = 0;
@@ -244,7 +244,7 @@ TEST_F(LobTest, WorkIsDoneInTheSessionsTransaction) {
   EXPECT_EQ(lengthOf(locator), "6");
 }
 
-TEST_F(LobTest, OpenLocatorDoesNotOutliveItsTransaction) {
+TEST_F(LargeObjectTest, OpenLocatorDoesNotOutliveItsTransaction) {
   OCILobLocator *locator = create("abc");
   ASSERT_EQ(OCILobOpen(svchp(), errhp(), locator, OCI_LOB_READONLY), OCI_SUCCESS);
   commit();
@@ -256,7 +256,7 @@ TEST_F(LobTest, OpenLocatorDoesNotOutliveItsTransaction) {
   EXPECT_EQ(lengthOf(locator), "3");
 }
 
-TEST_F(LobTest, MegabytesCrossWhole) {
+TEST_F(LargeObjectTest, MegabytesCrossWhole) {
   const std::string bytes = randomBytes(3'000'000);
   OCILobLocator *locator = create("");
   ub4 amount = 0;
