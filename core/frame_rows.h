@@ -23,6 +23,7 @@ inline constexpr FrameRow kDefineDynamic       { 26, Clear::AfterCallbacks,     
 inline constexpr FrameRow kDefineArrayOfStruct { 27, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtFetch           { 28, Clear::AfterCallbacks,           true,  false};
 inline constexpr FrameRow kStmtGetBindInfo     { 29, Clear::AfterCallbacks,           true,  true };
+inline constexpr FrameRow kDescribeAny         { 32, Clear::Never,                    true,  true };
 inline constexpr FrameRow kTransStart          { 33, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kTransCommit         { 35, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kErrorGet            { 37, Clear::Never,                    true,  true };
@@ -33,6 +34,7 @@ inline constexpr FrameRow kTransRollback       { 64, Clear::Never,              
 inline constexpr FrameRow kDefineByPos         { 65, Clear::Never,                    true,  true };
 inline constexpr FrameRow kBindByPos           { 66, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kBindByName          { 67, Clear::AfterCallbacks,           true,  true };
+inline constexpr FrameRow kLobClose            { 82, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtPrepare2        {108, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtRelease         {109, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtFetch2          {152, Clear::AfterCallbacks,           true,  true };

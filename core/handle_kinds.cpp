@@ -5,6 +5,7 @@
 
 #include "zevoci/connection.h"
 #include "zevoci/lob_locator.h"
+#include "zevoci/parameter.h"
 #include "zevoci/statement.h"
 #include "zevoci/transaction.h"
 
@@ -35,6 +36,7 @@ sword write(void *handle, void *value, ub4 size, ub4 attribute, OCIError *errhp)
 // clang-format off
 #define KIND(type, T) type, HANDLE_##T, allocate<Alloc_##T>, release<T, Free_##T>
 #define ATTRIBUTES(T) read<T, Get_##T>, write<T, Set_##T>
+#define READABLE(T) read<T, Get_##T>, nullptr
 constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_ENV,     OCIEnv),     ATTRIBUTES(OCIEnv)},
     {KIND(OCI_HTYPE_ERROR,   OCIError),   nullptr, nullptr},
@@ -45,8 +47,11 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_SERVER,  OCIServer),  ATTRIBUTES(OCIServer)},
     {KIND(OCI_HTYPE_SESSION, OCISession), ATTRIBUTES(OCISession)},
     {KIND(OCI_HTYPE_TRANS,   OCITrans),   ATTRIBUTES(OCITrans)},
+    {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READABLE(OCIDescribe)},
+    {KIND(OCI_DTYPE_PARAM,   OCIParam),   READABLE(OCIParam)},
     {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
 };
+#undef READABLE
 #undef ATTRIBUTES
 #undef KIND
 // clang-format on
