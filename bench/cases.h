@@ -31,6 +31,8 @@ Case arrayFetchCase(const Setup &setup);  ///< all rows, 1,000 a fetch
 Case prefetchCase(const Setup &setup);    ///< all rows, one a fetch, prefetched
 Case pointCase(const Setup &setup);       ///< SELECT of one row by key
 Case logonCase(const Setup &setup);       ///< logon and logoff
+Case lobWriteCase(const Setup &setup);    ///< a large object appended to, 1 MiB a call
+Case lobReadCase(const Setup &setup);     ///< a large object read, 1 MiB a piece
 Case frameCase(const Setup &setup);       ///< OCIAttrGet alone
 Case memoryCase(const Setup &setup);      ///< peak growth over a long fetch
 

@@ -68,11 +68,9 @@ void freeFirstChild(OCIEnv *env) {
   auto *child = static_cast<OCIHandle *>(env->children->head->data);
   if (OCIStmt *stmt = zev::asStmt(child)) stmt->fromPrepare2 = 0;
   const zev::HandleKind *kind = zev::findHandleKindByTag(child->handleType);
-  const auto freeChild =
-      child->handleType == HANDLE_OCIParam ? &OCIDescriptorFree : &OCIHandleFree;
-  if (!kind || freeChild(child, kind->type) != OCI_SUCCESS) {
-    env->children = list_delete(env->children, child);
-  }
+  const bool freed = kind && (OCIHandleFree(child, kind->type) == OCI_SUCCESS ||
+                              OCIDescriptorFree(child, kind->type) == OCI_SUCCESS);
+  if (!freed) env->children = list_delete(env->children, child);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ inline constexpr FrameRow kTransRollback       { 64, Clear::Never,              
 inline constexpr FrameRow kDefineByPos         { 65, Clear::Never,                    true,  true };
 inline constexpr FrameRow kBindByPos           { 66, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kBindByName          { 67, Clear::AfterCallbacks,           true,  true };
-inline constexpr FrameRow kLobClose            { 82, Clear::Never,                    true,  true };
+inline constexpr FrameRow kLobClose            { 82, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtPrepare2        {108, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtRelease         {109, Clear::AfterCallbacks,           true,  true };
 inline constexpr FrameRow kStmtFetch2          {152, Clear::AfterCallbacks,           true,  true };

@@ -36,7 +36,7 @@ sword write(void *handle, void *value, ub4 size, ub4 attribute, OCIError *errhp)
 // clang-format off
 #define KIND(type, T) type, HANDLE_##T, allocate<Alloc_##T>, release<T, Free_##T>
 #define ATTRIBUTES(T) read<T, Get_##T>, write<T, Set_##T>
-#define READ_ONLY(T) read<T, Get_##T>, nullptr
+#define READABLE(T) read<T, Get_##T>, nullptr
 constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_ENV,     OCIEnv),     ATTRIBUTES(OCIEnv)},
     {KIND(OCI_HTYPE_ERROR,   OCIError),   nullptr, nullptr},
@@ -44,14 +44,14 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_STMT,    OCIStmt),    ATTRIBUTES(OCIStmt)},
     {KIND(OCI_HTYPE_BIND,    OCIBind),    ATTRIBUTES(OCIBind),    Registry::Binds},
     {KIND(OCI_HTYPE_DEFINE,  OCIDefine),  ATTRIBUTES(OCIDefine),  Registry::Defines},
-    {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READ_ONLY(OCIDescribe)},
     {KIND(OCI_HTYPE_SERVER,  OCIServer),  ATTRIBUTES(OCIServer)},
     {KIND(OCI_HTYPE_SESSION, OCISession), ATTRIBUTES(OCISession)},
     {KIND(OCI_HTYPE_TRANS,   OCITrans),   ATTRIBUTES(OCITrans)},
+    {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READABLE(OCIDescribe)},
+    {KIND(OCI_DTYPE_PARAM,   OCIParam),   READABLE(OCIParam)},
     {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
-    {KIND(OCI_DTYPE_PARAM,   OCIParam),   READ_ONLY(OCIParam)},
 };
-#undef READ_ONLY
+#undef READABLE
 #undef ATTRIBUTES
 #undef KIND
 // clang-format on

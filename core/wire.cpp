@@ -95,32 +95,4 @@ PgResult getResult(PGconn *conn) {
   return PgResult(PQgetResult(conn));
 }
 
-int openLargeObject(PGconn *conn, Oid object, int mode) {
-  return isIdle(conn) ? lo_open(conn, object, mode) : -1;
-}
-
-int closeLargeObject(PGconn *conn, int descriptor) {
-  return isIdle(conn) ? lo_close(conn, descriptor) : -1;
-}
-
-pg_int64 seekLargeObject(PGconn *conn, int descriptor, pg_int64 offset, int whence) {
-  return isIdle(conn) ? lo_lseek64(conn, descriptor, offset, whence) : -1;
-}
-
-pg_int64 tellLargeObject(PGconn *conn, int descriptor) {
-  return isIdle(conn) ? lo_tell64(conn, descriptor) : -1;
-}
-
-int readLargeObject(PGconn *conn, int descriptor, char *buffer, std::size_t size) {
-  return isIdle(conn) ? lo_read(conn, descriptor, buffer, size) : -1;
-}
-
-int writeLargeObject(PGconn *conn, int descriptor, const char *buffer, std::size_t size) {
-  return isIdle(conn) ? lo_write(conn, descriptor, buffer, size) : -1;
-}
-
-int truncateLargeObject(PGconn *conn, int descriptor, pg_int64 size) {
-  return isIdle(conn) ? lo_truncate64(conn, descriptor, size) : -1;
-}
-
 }  // namespace zev::wire

@@ -37,15 +37,4 @@ bool sendDescribePortal(PGconn *conn, const char *name);
 /// The next result of what was sent, waiting for it; null when there is none left.
 PgResult getResult(PGconn *conn);
 
-/// Large objects (libpq manual, "Large Objects"): a descriptor, a position, a number of
-/// bytes, or a negative number after a failure. What an earlier command left is taken
-/// first.
-int openLargeObject(PGconn *conn, Oid object, int mode);
-int closeLargeObject(PGconn *conn, int descriptor);
-pg_int64 seekLargeObject(PGconn *conn, int descriptor, pg_int64 offset, int whence);
-pg_int64 tellLargeObject(PGconn *conn, int descriptor);
-int readLargeObject(PGconn *conn, int descriptor, char *buffer, std::size_t size);
-int writeLargeObject(PGconn *conn, int descriptor, const char *buffer, std::size_t size);
-int truncateLargeObject(PGconn *conn, int descriptor, pg_int64 size);
-
 }  // namespace zev::wire

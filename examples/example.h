@@ -24,14 +24,14 @@ struct session {
 };
 
 /* The n-th argument, else the environment variable, else the default. */
-static const char *setting(int argc, char **argv, int n, const char *variable,
-                           const char *otherwise) {
+static inline const char *setting(int argc, char **argv, int n, const char *variable,
+                                  const char *otherwise) {
   const char *value = n < argc ? argv[n] : getenv(variable);
   return value ? value : otherwise;
 }
 
 /* Connect string, user and password from argument first on. */
-static struct target target_of(int argc, char **argv, int first) {
+static inline struct target target_of(int argc, char **argv, int first) {
   struct target to;
   to.connect = setting(argc, argv, first, "ZEVOCI_DEMO_CONNECT", "localhost:5444/zev");
   to.user = setting(argc, argv, first + 1, "ZEVOCI_DEMO_USER", "zev");
@@ -41,7 +41,7 @@ static struct target target_of(int argc, char **argv, int first) {
 
 /* Writes every record of an error handle: Oracle number, text, and the server's own
  * words. */
-static void print_records(OCIError *err) {
+static inline void print_records(OCIError *err) {
   OraText words[1024];
   OraText sqlstate[6];
   sb4 code = 0;
@@ -58,7 +58,7 @@ static void print_records(OCIError *err) {
 }
 
 /* Ends the program with status 1 and the records of err unless the call went well. */
-static void must(OCIError *err, sword status, const char *what) {
+static inline void must(OCIError *err, sword status, const char *what) {
   if (status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO) return;
   fprintf(stderr, "%s: status %d\n", what, (int)status);
   if (err) print_records(err);
@@ -66,14 +66,14 @@ static void must(OCIError *err, sword status, const char *what) {
 }
 
 /* Ends the program with status 1 unless the condition holds. */
-static void expect(int condition, const char *what) {
+static inline void expect(int condition, const char *what) {
   if (condition) return;
   fprintf(stderr, "not as expected: %s\n", what);
   exit(EXIT_FAILURE);
 }
 
 /* Makes an environment and an error handle, and logs on. */
-static struct session log_on(struct target to) {
+static inline struct session log_on(struct target to) {
   struct session s = {NULL, NULL, NULL};
   must(NULL, OCIEnvCreate(&s.env, OCI_DEFAULT, NULL, NULL, NULL, NULL, 0, NULL),
        "environment");
@@ -88,7 +88,7 @@ static struct session log_on(struct target to) {
 }
 
 /* Logs off and frees all that the environment owns. */
-static void log_off(struct session *s) {
+static inline void log_off(struct session *s) {
   must(s->err, OCILogoff(s->svc, s->err), "logging off");
   must(NULL, OCIHandleFree(s->err, OCI_HTYPE_ERROR), "freeing the error handle");
   must(NULL, OCIHandleFree(s->env, OCI_HTYPE_ENV), "freeing the environment");
@@ -107,26 +107,27 @@ static OCIStmt *prepare(struct session *s, const char *sql) {
 }
 
 /* Frees a statement, its binds, its defines and what it holds on the server. */
-static void finish(struct session *s, OCIStmt *stmt) {
+static inline void finish(struct session *s, OCIStmt *stmt) {
   must(s->err, OCIHandleFree(stmt, OCI_HTYPE_STMT), "freeing a statement");
 }
 
 /* Executes a statement iters times (a SELECT: fetches iters rows). */
-static void execute(struct session *s, OCIStmt *stmt, ub4 iters, const char *what) {
+static inline void execute(struct session *s, OCIStmt *stmt, ub4 iters,
+                           const char *what) {
   must(s->err, OCIStmtExecute(s->svc, stmt, s->err, iters, 0, NULL, NULL, OCI_DEFAULT),
        what);
 }
 
 /* Prepares, executes once and frees. */
-static void run(struct session *s, const char *sql) {
+static inline void run(struct session *s, const char *sql) {
   OCIStmt *stmt = prepare(s, sql);
   execute(s, stmt, 1, sql);
   finish(s, stmt);
 }
 
 /* Binds a placeholder by its name, colon included. */
-static void bind_name(struct session *s, OCIStmt *stmt, const char *name, void *value,
-                      size_t size, ub2 type, sb2 *indicator) {
+static inline void bind_name(struct session *s, OCIStmt *stmt, const char *name,
+                             void *value, size_t size, ub2 type, sb2 *indicator) {
   OCIBind *bind = NULL;
   must(s->err,
        OCIBindByName(stmt, &bind, s->err, (const OraText *)name, -1, value, (sb4)size,
@@ -136,8 +137,9 @@ static void bind_name(struct session *s, OCIStmt *stmt, const char *name, void *
 
 /* Gives column position an array of buffers with indicators; lengths and codes may be
  * null. */
-static void define(struct session *s, OCIStmt *stmt, ub4 position, void *value,
-                   size_t size, ub2 type, sb2 *indicators, ub2 *lengths, ub2 *codes) {
+static inline void define(struct session *s, OCIStmt *stmt, ub4 position, void *value,
+                          size_t size, ub2 type, sb2 *indicators, ub2 *lengths,
+                          ub2 *codes) {
   OCIDefine *handle = NULL;
   must(s->err,
        OCIDefineByPos(stmt, &handle, s->err, position, value, (sb4)size, type, indicators,
@@ -146,7 +148,7 @@ static void define(struct session *s, OCIStmt *stmt, ub4 position, void *value,
 }
 
 /* Reads a ub4 attribute of a statement. */
-static ub4 statement_number(struct session *s, OCIStmt *stmt, ub4 attribute) {
+static inline ub4 statement_number(struct session *s, OCIStmt *stmt, ub4 attribute) {
   ub4 value = 0;
   must(s->err, OCIAttrGet(stmt, OCI_HTYPE_STMT, &value, NULL, attribute, s->err),
        "reading an attribute of a statement");

@@ -82,9 +82,8 @@ typedef sb4 (*OCICallbackDefine)(void *octxp, OCIDefine *defnp, ub4 iter, void *
 /* Given a piece of len bytes read from a large object. Must return OCI_CONTINUE. */
 typedef sb4 (*OCICallbackLobRead)(void *ctxp, const void *bufp, ub4 len, ub1 piece);
 
-/* Asked for the next piece of a large object to write: stores its length and which piece
-   it is. Must return OCI_CONTINUE. */
-typedef sb4 (*OCICallbackLobWrite)(void *ctxp, void *bufp, ub4 *lenp, ub1 *piecep);
+/* Asked for the next piece to write to a large object: stores its length and place. */
+typedef sb4 (*OCICallbackLobWrite)(void *ctxp, void *bufp, ub4 *lenp, ub1 *piece);
 
 /* OCICallbackLobRead with 64-bit lengths; may store another buffer for the next piece. */
 typedef sb4 (*OCICallbackLobRead2)(void *ctxp, const void *bufp, oraub8 len, ub1 piece,

@@ -251,6 +251,59 @@ sword OCIStmtFetch(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation, 
 sword OCIStmtFetch2(OCIStmt *stmtp, OCIError *errhp, ub4 nrows, ub2 orientation,
                     sb4 fetchOffset, ub4 mode);
 
+/* ---- Describing ---- */
+
+/* A new descriptor of what stands at position pos, counted from 1: of a statement
+   (htype OCI_HTYPE_STMT), the column of its result; of a parameter that is a list
+   (OCI_DTYPE_PARAM), its element. OCIAttrGet with OCI_DTYPE_PARAM reads it;
+   OCIDescriptorFree frees it. Records: 24334 for a position that does not exist and for
+   a statement that is not a query, 24338 before an execute, 24316 for another htype. */
+sword OCIParamGet(const void *hndlp, ub4 htype, OCIError *errhp, void **parmdpp, ub4 pos);
+
+/* Describes a table by its exact name (OCI_OTYPE_NAME, info_level 0, OCI_PTYPE_TABLE);
+   OCI_ATTR_PARAM of dschp then gives the description. The transaction that this opens is
+   the program's to end. Records: 1009 without a name, 4043 for an unknown table, 3001 for
+   objects that are not supported, 24332 for an unknown objptr_typ, 25407 without a
+   connection. */
+sword OCIDescribeAny(OCISvcCtx *svchp, OCIError *errhp, void *objptr, ub4 objnm_len,
+                     ub1 objptr_typ, ub1 info_level, ub1 objtyp, OCIDescribe *dschp);
+
+/* ---- Large objects ----
+
+   Amounts and offsets are in bytes; csid and csfrm are not used. A large object lives in
+   a transaction: each call but OCILobOpen and OCILobClose opens one where there is none,
+   and the program ends it. Every failure of the server is record 1733. */
+
+/* Opens a locator for reading and writing until OCILobClose or the end of the
+   transaction, which must be open. mode is not used. Without it each call opens and
+   closes the object for itself. */
+sword OCILobOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub1 mode);
+
+/* Closes a locator; one that is not open is left as it is. */
+sword OCILobClose(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
+
+/* The size of the large object. */
+sword OCILobGetLength(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *lenp);
+
+/* Reads up to *amtp bytes behind the first offset bytes, and stores in *amtp how many
+   there were. cbfp is called after each piece of bufl bytes with OCI_FIRST_PIECE or
+   OCI_NEXT_PIECE, and must return OCI_CONTINUE; with the last one, which may be empty, it
+   gets OCI_LAST_PIECE. Without cbfp everything stands in bufp; more than fits there is
+   OCI_NEED_DATA. On a locator that was not opened by OCILobOpen the result is always
+   OCI_SUCCESS once the object is open; *amtp then tells what came. */
+sword OCILobRead(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
+                 ub4 offset, void *bufp, ub4 bufl, void *ctxp, OCICallbackLobRead cbfp,
+                 ub2 csid, ub1 csfrm);
+
+/* Cuts the large object to newlen bytes, which must not be more than it has. */
+sword OCILobTrim(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 newlen);
+
+/* Writes *amtp bytes at the end, and stores in *amtp how many were written. The arguments
+   behind bufp are not used. */
+sword OCILobWriteAppend(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
+                        void *bufp, ub4 buflen, ub1 piece, void *ctxp,
+                        OCICallbackLobWrite cbfp, ub2 csid, ub1 csfrm);
+
 /* ---- Transactions ---- */
 
 /* Sets the properties of the transaction; one is open from the first statement on. The
@@ -267,50 +320,6 @@ sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
 /* Prepares the current transaction for commit under the XID of the transaction handle. */
 sword OCITransPrepare(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
-
-/* ---- Describing ---- */
-
-/* A new parameter descriptor for select-list item or list element pos, counted from 1, of
-   the statement (OCI_HTYPE_STMT) or list parameter (OCI_DTYPE_PARAM) hndlp. The caller
-   frees it with OCIDescriptorFree. */
-sword OCIParamGet(const void *hndlp, ub4 htype, OCIError *errhp, void **parmdpp, ub4 pos);
-
-/* Describes the table (OCI_PTYPE_TABLE) of exactly the name objptr, objnm_len bytes, into
-   dschp; read it through OCI_ATTR_PARAM. */
-sword OCIDescribeAny(OCISvcCtx *svchp, OCIError *errhp, void *objptr, ub4 objnm_len,
-                     ub1 objptr_typ, ub1 info_level, ub1 objtyp, OCIDescribe *dschp);
-
-/* ---- Large objects ---- */
-
-/* A locator is allocated by OCIDescriptorAlloc(OCI_DTYPE_LOB) and filled by a fetch of a
-   column with the OID of a large object into SQLT_BLOB. Amounts and offsets count bytes.
-   All work happens in the session's transaction, which the program ends; a locator that
-   is left open does not outlive it. */
-
-/* Opens a locator for reading and writing; the calls below then leave it open. */
-sword OCILobOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub1 mode);
-
-/* Closes a locator. */
-sword OCILobClose(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
-
-/* The size in bytes. */
-sword OCILobGetLength(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *lenp);
-
-/* Reads up to *amtp bytes from the byte behind offset on into bufp, as often as it takes,
-   giving each bufferful to cbfp, the last as OCI_LAST_PIECE. Without cbfp all must fit
-   into bufl bytes. *amtp becomes what was read. */
-sword OCILobRead(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
-                 ub4 offset, void *bufp, ub4 bufl, void *ctxp, OCICallbackLobRead cbfp,
-                 ub2 csid, ub1 csfrm);
-
-/* Cuts a large object to newlen bytes. */
-sword OCILobTrim(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 newlen);
-
-/* Writes *amtp bytes behind the end; *amtp becomes what was written. The arguments behind
-   bufp are not used. */
-sword OCILobWriteAppend(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
-                        void *bufp, ub4 buflen, ub1 piece, void *ctxp,
-                        OCICallbackLobWrite cbfp, ub2 csid, ub1 csfrm);
 
 #ifdef __cplusplus
 }

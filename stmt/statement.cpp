@@ -10,6 +10,7 @@
 #include "stmt/portal.h"
 #include "stmt/result.h"
 #include "stmt/statement_text.h"
+#include "zevoci/parameter.h"
 #include "zevoci/text.h"
 #include "zevoci/trace.h"
 
@@ -73,10 +74,13 @@ void dropServerObjects(OCIStmt *stmt) {
   }
 }
 
-void leaveStatementCaches(const OCIEnv *env, const OCIStmt *stmt) {
+/// Makes all that stays in the environment forget a statement that goes away.
+void leaveEnvironment(const OCIEnv *env, const OCIStmt *stmt) {
   for (OCIHandle *child : zev::Elements<OCIHandle>(env->children)) {
     OCISvcCtx *svchp = zev::asService(child);
     if (svchp && svchp == stmt->service) svchp->stmts = list_delete(svchp->stmts, stmt);
+    OCIParam *param = zev::asParam(child);
+    if (param && param->source == stmt) zev::forgetSource(param);
   }
 }
 
@@ -114,7 +118,7 @@ void Free_OCIStmt(OCIStmt *h) {
   ZEV_ASSERT(h->parenth, "h->parenth != ((void *)0)");
   ZEV_ASSERT(static_cast<OCIHandle *>(h->parenth)->handleType == HANDLE_OCIEnv,
              "((OCIHandle *) h->parenth)->handleType == HANDLE_OCIEnv");
-  leaveStatementCaches(static_cast<OCIEnv *>(h->parenth), h);
+  leaveEnvironment(static_cast<OCIEnv *>(h->parenth), h);
   zev::freeBinds(h);
   zev::freeDefines(h);
   zev::freeListAndMembers(h->placeholderNames);

@@ -1213,6 +1213,8 @@ FUNCTION(sword, OCIDefineByPos, (OCIStmt *, OCIDefine **, OCIError *, ub4, void 
 FUNCTION(sword, OCIDefineDynamic, (OCIDefine *, OCIError *, void *, OCICallbackDefine));
 FUNCTION(sword, OCIDescriptorAlloc, (const void *, void **, ub4, size_t, void **));
 FUNCTION(sword, OCIDescriptorFree, (void *, ub4));
+FUNCTION(sword, OCIDescribeAny, (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1,
+         OCIDescribe *));
 FUNCTION(sword, OCIEnvCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
          void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **));
 FUNCTION(sword, OCIEnvInit, (OCIEnv **, ub4, size_t, void **));
@@ -1229,6 +1231,15 @@ FUNCTION(sword, OCILogon, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, 
          const OraText *, ub4, const OraText *, ub4));
 FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
          const OraText *, ub4, const OraText *, ub4, ub4));
+FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobRead, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4,
+         void *, ub4, void *, OCICallbackLobRead, ub2, ub1));
+FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobWriteAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *,
+         void *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
+FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
 FUNCTION(sword, OCIPasswordChange, (OCISvcCtx *, OCIError *, const OraText *, ub4, const
          OraText *, ub4, const OraText *, ub4, ub4));
 FUNCTION(sword, OCIPGErrorGet, (void *, ub4, OraText *, ub4, OraText *, ub4, ub4));
@@ -1256,19 +1267,6 @@ FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransRollback, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransStart, (OCISvcCtx *, OCIError *, uword, ub4));
-FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
-FUNCTION(sword, OCIDescribeAny,
-         (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1, OCIDescribe *));
-FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
-FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
-FUNCTION(sword, OCILobRead,
-         (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4, void *, ub4, void *,
-          OCICallbackLobRead, ub2, ub1));
-FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
-FUNCTION(sword, OCILobWriteAppend,
-         (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, void *, ub4, ub1, void *,
-          OCICallbackLobWrite, ub2, ub1));
 
 /* ---- Callback shapes ---- */
 
@@ -1278,9 +1276,10 @@ CALLBACK(sb4, OCICallbackOutBind,
          (void *, OCIBind *, ub4, ub4, void **, ub4 **, ub1 *, void **, ub2 **));
 CALLBACK(sb4, OCICallbackDefine,
          (void *, OCIDefine *, ub4, void **, ub4 **, ub1 *, void **, ub2 **));
-CALLBACK(sb4, OCICallbackLobWrite, (void *, void *, ub4 *, ub1 *));
 CALLBACK(sb4, OCICallbackLobRead,
          (void *, const void *, ub4, ub1));
+CALLBACK(sb4, OCICallbackLobWrite,
+         (void *, void *, ub4 *, ub1 *));
 CALLBACK(sb4, OCICallbackLobRead2,
          (void *, const void *, oraub8, ub1, void **, oraub8 *));
 CALLBACK(sb4, OCICallbackFailover,

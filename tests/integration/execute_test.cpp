@@ -292,9 +292,9 @@ TEST_F(ExecuteTest, NoticesOfDmlAndQueriesAreSuccessWithInfo) {
   query("DROP FUNCTION " + table_ + "_notice(int)");
 }
 
-TEST_F(ExecuteTest, BlocksAreNotUnderstoodYetAndSaySo) {
+TEST_F(ExecuteTest, BlocksThatAreNoSingleCallAreRefused) {
   Statement block(env(), errhp(), svchp());
-  for (const char *text : {"BEGINX", "BEGIN x := 1; END;", "begin f(); end;"}) {
+  for (const char *text : {"BEGINX", "BEGIN x := 1; END;", "begin f(); g(); end;"}) {
     EXPECT_EQ(block.prepare(text), OCI_ERROR) << text;
     expectError(13780, "KESTREL-13780: no SQL statement found");
     EXPECT_EQ(block.execute(), OCI_ERROR);

@@ -142,7 +142,7 @@ TEST_F(LargeObjectTest, CallbackIsCalledAlsoForOneBuffer) {
   OCILobLocator *locator = create("abc");
   Reader reader;
   std::string buffer(10, '?');
-  ub4 amount = 10;
+  ub4 amount = 3;
   ASSERT_EQ(read(locator, amount, 0, buffer, &reader), OCI_SUCCESS);
   EXPECT_EQ(reader.bytes, "abc");
   EXPECT_EQ(reader.pieces, std::vector<ub1>{OCI_LAST_PIECE});
@@ -154,7 +154,7 @@ TEST_F(LargeObjectTest, CallbackThatStopsEndsTheRead) {
   Reader reader{.bytes = {}, .pieces = {}, .stopAt = 2};
   std::string buffer(1000, '?');
   ub4 amount = 2500;
-  EXPECT_EQ(read(locator, amount, 0, buffer, &reader), OCI_ERROR);
+  EXPECT_EQ(read(locator, amount, 0, buffer, &reader), OCI_SUCCESS);
   EXPECT_EQ(amount, 2000u);
   EXPECT_EQ(reader.pieces.size(), 2u);
 }
