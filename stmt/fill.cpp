@@ -144,11 +144,18 @@ bool isNothingToFill(const List *defines, const PGresult *result, ub4 nrows,
   return !defines || !result || !nrows || !resultRowPos;
 }
 
+/// The statement's connection, which is asked about types that have no number of their
+/// own here.
+PGconn *connectionOf(const OCIStmt *stmt) {
+  const OCIServer *server = stmt->service ? stmt->service->server : nullptr;
+  return server ? server->conn : nullptr;
+}
+
 /// The statement's plan for its current result.
 const FetchPlan &planOf(OCIStmt *stmt) {
   if (!stmt->fetchPlan) stmt->fetchPlan = new FetchPlan;
   if (!stmt->fetchPlan->current) {
-    lookUp(*stmt->fetchPlan, stmt->defines, stmt->pgResult, nullptr);
+    lookUp(*stmt->fetchPlan, stmt->defines, stmt->pgResult, connectionOf(stmt));
   }
   return *stmt->fetchPlan;
 }
