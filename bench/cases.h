@@ -26,14 +26,18 @@ struct Setup {
 void createTables(const Setup &setup);
 void dropTables(const Setup &setup);
 
-Case insertCase(const Setup &setup);      ///< single-row INSERT, prepared once
-Case arrayFetchCase(const Setup &setup);  ///< all rows, 1,000 a fetch
-Case prefetchCase(const Setup &setup);    ///< all rows, one a fetch, prefetched
-Case pointCase(const Setup &setup);       ///< SELECT of one row by key
-Case logonCase(const Setup &setup);       ///< logon and logoff
-Case lobWriteCase(const Setup &setup);    ///< a large object appended to, 1 MiB a call
-Case lobReadCase(const Setup &setup);     ///< a large object read, 1 MiB a piece
-Case frameCase(const Setup &setup);       ///< OCIAttrGet alone
-Case memoryCase(const Setup &setup);      ///< peak growth over a long fetch
+Case insertCase(const Setup &setup);       ///< single-row INSERT, prepared once
+Case arrayFetchCase(const Setup &setup);   ///< all rows, 1,000 a fetch
+Case prefetchCase(const Setup &setup);     ///< all rows, one a fetch, prefetched
+Case pointCase(const Setup &setup);        ///< SELECT of one row by key
+Case logonCase(const Setup &setup);        ///< logon and logoff
+Case arrayInsertCase(const Setup &setup);  ///< INSERT by arrays of 1,000
+Case arrayUpdateCase(const Setup &setup);  ///< UPDATE by arrays of 1,000
+Case arrayDeleteCase(const Setup &setup);  ///< DELETE by arrays of 1,000
+Case callCase(const Setup &setup);         ///< a procedure with an OUT parameter
+Case lobWriteCase(const Setup &setup);     ///< a large object appended to, 1 MiB a call
+Case lobReadCase(const Setup &setup);      ///< a large object read, 1 MiB a piece
+Case frameCase(const Setup &setup);        ///< OCIAttrGet alone
+Case memoryCase(const Setup &setup);       ///< peak growth over a long fetch
 
 }  // namespace bench

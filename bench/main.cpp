@@ -27,14 +27,25 @@ struct Entry {
 };
 
 constexpr Entry kEntries[] = {
-    {"insert", insertCase},     {"array", arrayFetchCase}, {"prefetch", prefetchCase},
-    {"point", pointCase},       {"logon", logonCase},      {"frame", frameCase},
-    {"lobwrite", lobWriteCase}, {"lobread", lobReadCase},  {"memory", memoryCase},
+    {"insert", insertCase},
+    {"array", arrayFetchCase},
+    {"prefetch", prefetchCase},
+    {"point", pointCase},
+    {"logon", logonCase},
+    {"frame", frameCase},
+    {"bulkinsert", arrayInsertCase},
+    {"bulkupdate", arrayUpdateCase},
+    {"bulkdelete", arrayDeleteCase},
+    {"call", callCase},
+    {"lobwrite", lobWriteCase},
+    {"lobread", lobReadCase},
+    {"memory", memoryCase},
 };
 
 constexpr const char *kUsage =
     "usage: zevoci_bench [--rounds N] [--scale FACTOR] [--only KEY,...] [--json]\n"
-    "keys: insert array prefetch point logon frame lobwrite lobread memory\n";
+    "keys: insert array prefetch point logon frame bulkinsert bulkupdate bulkdelete call "
+    "lobwrite lobread memory\n";
 
 template <class Number>
 Number positive(const std::string &option, const std::string &value) {

@@ -76,6 +76,7 @@ struct OutColumn {
 struct Call {
   std::string command;
   std::vector<int> sent;        ///< the caller's parameters that go out, in "$n" order
+  bool sendsFirst = false;      ///< these are the caller's first ones, in order
   std::vector<OutColumn> outs;  ///< one per OUT or INOUT parameter
   std::vector<Oid> types;       ///< one per parameter of the caller
 };

@@ -1,5 +1,6 @@
 #include "pqext/call.h"
 
+#include <numeric>
 #include <utility>
 
 #include "pqext/pqext.h"
@@ -77,6 +78,10 @@ std::vector<SentValue> keepSent(const Call &call, int nParams, const char *const
 bool sendPicked(PGconn *conn, const char *name, const Call &call, int nParams,
                 const char *const *values, const int *lengths, const int *formats) {
   const std::size_t count = call.sent.size();
+  if (call.sendsFirst && static_cast<int>(count) <= nParams) {
+    return PQsendQueryPrepared(conn, name, static_cast<int>(count), values, lengths,
+                               formats, 0);
+  }
   std::vector<const char *> pickedValues(count);
   std::vector<int> pickedLengths(count), pickedFormats(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -119,6 +124,9 @@ const Call *prepareCall(PGconn *conn, const char *stmtName, const char *query,
   std::vector<unsigned> directions(count, kDirectionIn);
   if (paramDirs) directions.assign(paramDirs, paramDirs + count);
   Call call = plan(conn, query, directions);
+  std::vector<int> leading(call.sent.size());
+  std::iota(leading.begin(), leading.end(), 0);
+  call.sendsFirst = call.sent == leading;
   if (paramTypes) call.types.assign(paramTypes, paramTypes + count);
   for (const int parameter : call.sent) {
     const auto place = static_cast<std::size_t>(parameter);
@@ -170,10 +178,25 @@ Result withRow(Result answer) {
   return copy && PQsetvalue(copy.get(), 0, 0, nullptr, -1) ? std::move(copy) : nullptr;
 }
 
+/// Whether a procedure's answer is the row of OUT values as it stands, which is what it
+/// is but where the caller takes its arguments for something else.
+bool isOutRow(const Call &call, const PGresult *answer) {
+  if (!call.command.starts_with("CALL ") || PQntuples(answer) != 1) return false;
+  int column = 0;
+  for (const OutColumn &out : call.outs) {
+    if (out.column != column++) return false;
+  }
+  return column == PQnfields(answer);
+}
+
 Result takeAnswer(PGconn *conn, Adapter &adapter, Result answer) {
   const PendingCall pending = std::move(*adapter.call);
   adapter.call.reset();
   if (!succeeded(answer.get())) return answer;
+  if (isOutRow(*pending.call, answer.get())) {
+    adapter.out = std::move(answer);
+    return Result(PQmakeEmptyPGresult(nullptr, PGRES_COMMAND_OK));
+  }
   answer = withRow(std::move(answer));
   adapter.out = outRow(conn, *pending.call, answer.get(), pending.sent);
   return answer;

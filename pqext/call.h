@@ -52,6 +52,8 @@ Call planCall(const CallText &text, const std::vector<Routine> &routines,
 /// The row of OUT values for the answer of a call whose parameters were `sent`.
 Result outRow(PGconn *conn, const Call &call, const PGresult *answer,
               const std::vector<SentValue> &sent);
+/// Whether the answer of a procedure is that row as it stands.
+bool isOutRow(const Call &call, const PGresult *answer);
 /// An answer that has a row: `answer` itself, or one of NULLs in place of no row.
 Result withRow(Result answer);
 

@@ -99,24 +99,28 @@ class Reader {
     return place_ > start;
   }
 
+  /// Goes back to where a value began that was none; false.
+  bool giveBack(std::size_t start) {
+    place_ = start;
+    return false;
+  }
+
   bool takeParameter() {
+    const std::size_t start = place();
     if (!at('$')) return false;
     ++place_;
-    return takeDigits() && !standsInName();
+    return (takeDigits() && !standsInName()) || giveBack(start);
   }
 
   bool takeNumber() {
     const std::size_t start = place();
     if (at('-') || at('+')) ++place_;
-    if (!takeDigits()) {
-      place_ = start;
-      return false;
-    }
+    if (!takeDigits()) return giveBack(start);
     if (place_ < text_.size() && text_[place_] == '.') {
       ++place_;
       takeDigits();
     }
-    return !standsInName();
+    return !standsInName() || giveBack(start);
   }
 
   /// A backslash may mean itself or not, by a setting of the session.

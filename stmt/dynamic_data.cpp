@@ -192,13 +192,14 @@ sword call_define_callback(OCIDefine *define, OCIError *errhp, const PGresult *r
                             &place.buffer, &place.length, &place.piece, &place.indicator,
                             &place.returnCode);
   };
-  return Delivery{errhp,
-                  define->dty,
-                  zev::conversionOf(PQftype(result, column), define->dty, conn),
-                  zev::fieldAt(result, row, column),
-                  nullptr,
-                  ask}
-      .run(OCI_FIRST_PIECE);
+  const Delivery<decltype(ask)> delivery{
+      errhp,
+      define->dty,
+      zev::conversionOf(PQftype(result, column), define->dty, conn),
+      zev::fieldAt(result, row, column),
+      nullptr,
+      ask};
+  return delivery.run(OCI_FIRST_PIECE);
 }
 
 sword call_out_bind_callback(OCIError *errhp, OCIBind *bind, sb4 iteration,
@@ -212,13 +213,14 @@ sword call_out_bind_callback(OCIError *errhp, OCIBind *bind, sb4 iteration,
     return bind->ocbfp(bind->ocbctx, bind, static_cast<ub4>(iteration), 0, &place.buffer,
                        &place.length, &place.piece, &place.indicator, &place.returnCode);
   };
-  return Delivery{errhp,
-                  bind->dty,
-                  zev::conversionOf(PQftype(result, column), bind->dty, nullptr),
-                  zev::fieldAt(result, 0, column),
-                  zev::childOf(bind, static_cast<ub4>(iteration)),
-                  ask}
-      .run(OCI_ONE_PIECE);
+  const Delivery<decltype(ask)> delivery{
+      errhp,
+      bind->dty,
+      zev::conversionOf(PQftype(result, column), bind->dty, nullptr),
+      zev::fieldAt(result, 0, column),
+      zev::childOf(bind, static_cast<ub4>(iteration)),
+      ask};
+  return delivery.run(OCI_ONE_PIECE);
 }
 
 }  // extern "C"

@@ -1,11 +1,11 @@
 /// sql/compat.sql in a database of its own: what it brings, and that it may be run again.
 #include <unistd.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
 #include "tests/integration/support/oci_test.h"
+#include "tests/server/address.h"
 
 namespace zev::test {
 namespace {
@@ -14,11 +14,6 @@ struct Finish {
   void operator()(PGconn *conn) const noexcept { PQfinish(conn); }
 };
 using Connection = std::unique_ptr<PGconn, Finish>;
-
-std::string setting(const char *name) {
-  const char *value = std::getenv(name);
-  return value ? value : "";
-}
 
 class CompatTest : public OciTest {
  protected:
@@ -32,13 +27,10 @@ class CompatTest : public OciTest {
   }
 
   Connection connect() const {
-    const std::string host = setting("ZEVOCI_TEST_HOST"),
-                      port = setting("ZEVOCI_TEST_PORT"),
-                      user = setting("ZEVOCI_TEST_USER"),
-                      password = setting("ZEVOCI_TEST_PASSWORD");
     const char *const names[] = {"host", "port", "user", "password", "dbname", nullptr};
-    const char *const values[] = {host.c_str(),     port.c_str(),      user.c_str(),
-                                  password.c_str(), database_.c_str(), nullptr};
+    const char *const values[] = {server_.host.c_str(), server_.port.c_str(),
+                                  server_.user.c_str(), server_.password.c_str(),
+                                  database_.c_str(),    nullptr};
     Connection conn(PQconnectdbParams(names, values, 0));
     EXPECT_EQ(PQstatus(conn.get()), CONNECTION_OK) << PQerrorMessage(conn.get());
     return conn;
@@ -65,6 +57,7 @@ class CompatTest : public OciTest {
     return text.str();
   }
 
+  const ServerAddress &server_ = testServer();
   std::string database_ = "compat_test_" + std::to_string(getpid());
 };
 
@@ -107,10 +100,8 @@ TEST_F(CompatTest, BoundStringsReachColumnsAndRawArrivesAsBytes) {
   const Connection conn = connect();
   ASSERT_EQ(run(conn.get(), script()), "");
   run(conn.get(), "CREATE TABLE t (i int, d date, r raw)");
-  const std::string target =
-      setting("ZEVOCI_TEST_HOST") + ":" + setting("ZEVOCI_TEST_PORT") + "/" + database_;
-  const std::string user = setting("ZEVOCI_TEST_USER"),
-                    password = setting("ZEVOCI_TEST_PASSWORD");
+  const std::string target = server_.host + ":" + server_.port + "/" + database_;
+  const std::string &user = server_.user, &password = server_.password;
   const auto text = [](const std::string &s) {
     return reinterpret_cast<const OraText *>(s.c_str());
   };
