@@ -1,5 +1,6 @@
 #include "pqext/call.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -60,6 +61,7 @@ std::vector<SentValue> keepSent(const Call &call, int nParams, const char *const
   std::vector<SentValue> sent;
   for (const OutColumn &out : call.outs) {
     if (out.column >= 0 || out.parameter >= nParams || !values[out.parameter]) continue;
+    if (!std::ranges::count(call.sent, out.parameter)) continue;
     sent.resize(static_cast<std::size_t>(nParams));
     SentValue &kept = sent[static_cast<std::size_t>(out.parameter)];
     const char *value = values[out.parameter];
