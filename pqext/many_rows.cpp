@@ -10,15 +10,22 @@ constexpr int kSizes[] = {128, 16};
 constexpr int kFewestRows = 32;
 constexpr int kMostParameters = 65535;
 
+/// Classes of SQLSTATE (SQL standard, server manual) that do not depend on how the rows
+/// are sent.
+constexpr std::string_view kFinalFailures[] = {"08", "25", "40", "53",
+                                               "55", "57", "58", "XX"};
+
 constexpr const char *kSavepoint = "SAVEPOINT zevoci_rows";
 constexpr const char *kRelease = "RELEASE SAVEPOINT zevoci_rows";
 constexpr const char *kUndo = "ROLLBACK TO SAVEPOINT zevoci_rows";
 
 /// Fails unless the rows of one INSERT do to a table what as many INSERTs would: nothing
 /// may run for a row or a statement that could see the other rows, no row may need
-/// another, and only what the server itself comes with computes values.
+/// another, only what the server itself comes with computes values, and no limit holds
+/// for the time of a statement.
 constexpr const char *kGuard =
-    "SELECT 1 / CASE WHEN c.relkind = 'r' AND NOT c.relhasrules AND NOT c.relrowsecurity"
+    "SELECT 1 / CASE WHEN pg_catalog.current_setting('statement_timeout') = '0'"
+    " AND c.relkind = 'r' AND NOT c.relhasrules AND NOT c.relrowsecurity"
     " AND NOT EXISTS (SELECT FROM pg_catalog.pg_trigger t"
     " WHERE t.tgrelid = c.oid AND NOT t.tgisinternal)"
     " AND NOT EXISTS (SELECT FROM pg_catalog.pg_constraint k"
@@ -101,22 +108,33 @@ class Attempt {
     run.finish(conn_);
     run.close(conn_);
     if (!run.failed()) {
-      many_.verified = true;
       many_.prepared.insert(many_.prepared.end(), newSizes_.begin(), newSizes_.end());
       return true;
     }
     noteFailure(run.failedCommand());
+    message_ = run.message();
+    failure_ = run.takeResult();
     return false;
   }
+
+  /// Whether the rows one by one could end in another way. They could not when the
+  /// program broke off, the server was short of something or went away, or another
+  /// transaction was in the way.
+  bool isWorthAnother() const {
+    const char *state = PQresultErrorField(failure_.get(), PG_DIAG_SQLSTATE);
+    if (!state || PQstatus(conn_) == CONNECTION_BAD) return false;
+    const std::string_view group(state, 2);
+    return std::ranges::count(kFinalFailures, group) == 0;
+  }
+  const std::string &message() const { return message_; }
+  Result takeFailure() { return std::move(failure_); }
 
  private:
   using Step = std::function<int()>;
 
   void plan() {
     steps_.push_back([this] { return command(kSavepoint); });
-    if (!many_.verified) {
-      steps_.push_back([this] { return guard(); });
-    }
+    steps_.push_back([this] { return guard(); });
     for (const int size : kSizes) planVariant(size);
     firstRow_ = static_cast<int>(steps_.size());
     for (const Portion &portion : portions_) {
@@ -177,6 +195,8 @@ class Attempt {
   std::vector<int> formats_;
   std::vector<int> newSizes_;
   std::vector<Step> steps_;
+  std::string message_;
+  Result failure_;
   int firstRow_ = 0;
   int guard_ = 0;
 };
@@ -203,8 +223,11 @@ Result runTogether(PGconn *conn, Adapter &adapter, const char *name,
   if (!statement.many) statement.many = learn(conn, name, statement, rows);
   ManyRows &many = *statement.many;
   if (many.refused || static_cast<int>(many.types.size()) != rows.params) return nullptr;
-  if (Attempt(conn, name, many, rows).run()) {
-    return Result(PQmakeEmptyPGresult(conn, PGRES_COMMAND_OK));
+  Attempt attempt(conn, name, many, rows);
+  if (attempt.run()) return Result(PQmakeEmptyPGresult(conn, PGRES_COMMAND_OK));
+  if (!attempt.isWorthAnother()) {
+    adapter.bulkError = attempt.message();
+    return attempt.takeFailure();
   }
   return runRows(conn, adapter, name, rows, {kUndo, kRelease});
 }

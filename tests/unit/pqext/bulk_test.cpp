@@ -1,5 +1,7 @@
 /// Bulk runs against the same rows one by one.
+#include <chrono>
 #include <random>
+#include <thread>
 
 #include "tests/unit/pqext/pqext_fixture.h"
 
@@ -135,6 +137,50 @@ TEST_F(BulkTest, ServerThatGoesAwayLeavesItsWords) {
   EXPECT_NE(std::string(PQextErrorMessage(conn())).find("terminating"), std::string::npos)
       << PQextErrorMessage(conn());
   EXPECT_EQ(PQstatus(conn()), CONNECTION_BAD);
+}
+
+TEST_F(BulkTest, TimeLimitOfAStatementIsThatOfARow) {
+  makeTable(", CHECK (pg_sleep(0.002) IS NOT NULL)");
+  run("SET statement_timeout = '100ms'");
+  run("BEGIN");
+  EXPECT_EQ(PQresultStatus(bulk("bulk_s", numbered(200), 2).get()), PGRES_COMMAND_OK)
+      << PQextErrorMessage(conn());
+  EXPECT_EQ(sums(), "200:20100:200");
+}
+
+TEST_F(BulkTest, BreakEndsTheRunAndIsNotTriedAgain) {
+  makeTable(", CHECK (pg_sleep(0.005) IS NOT NULL)");
+  run("BEGIN");
+  PGcancel *cancel = PQgetCancel(conn());
+  std::thread breaker([cancel] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    char message[256];
+    EXPECT_TRUE(PQcancel(cancel, message, sizeof message)) << message;
+  });
+  const Result result = bulk("bulk_s", numbered(256), 2);
+  breaker.join();
+  PQfreeCancel(cancel);
+  EXPECT_EQ(sqlstate(result.get()), "57014");
+  EXPECT_NE(std::string(PQextErrorMessage(conn())).find("canceling"), std::string::npos);
+  EXPECT_EQ(state(), PQTRANS_INERROR);
+  run("ROLLBACK");
+  EXPECT_EQ(sums(), "0:0:0");
+}
+
+TEST_F(BulkTest, ServerThatGoesAwayDuringManyRowsLeavesItsWords) {
+  makeTable(", CHECK (pg_sleep(0.005) IS NOT NULL)");
+  const std::string backend = run("SELECT pg_backend_pid()");
+  run("BEGIN");
+  std::thread killer([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const Connection other = connectToServer();
+    run(other.get(), "SELECT pg_terminate_backend(" + backend + ")");
+  });
+  const Result result = bulk("bulk_s", numbered(256), 2);
+  killer.join();
+  EXPECT_EQ(sqlstate(result.get()), "57P01");
+  EXPECT_NE(std::string(PQextErrorMessage(conn())).find("terminating"),
+            std::string::npos);
 }
 
 /// What can be wrong with a row, and the table that finds out.
