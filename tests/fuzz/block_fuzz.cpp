@@ -35,7 +35,7 @@ std::string numbered(const std::string &call, int &count) {
   return text;
 }
 
-void check(const OCICallableStmt &block, const std::string &text) {
+void check(const callableStmt &block, const std::string &text) {
   const std::string call(block.text), name(block.name);
   require(call.starts_with("CALL " + name + " ( ") && call.ends_with(" );"));
   require(text.find(name) != text.npos || text.find('\'') != text.npos || !name.empty());
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   std::string text(reinterpret_cast<const char *>(data), size);
   std::erase(text, '\0');
-  OCICallableStmt *block = zev::parseBlock(text.c_str());
+  callableStmt *block = zev::parseBlock(text.c_str());
   if (block) check(*block, text);
   ReleaseOCICallableStmt(block);
   ScanGramKeywordLookup(text.c_str());
