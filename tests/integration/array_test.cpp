@@ -2,11 +2,14 @@
 #include <malloc.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "tests/integration/support/statement_fixture.h"
+#include "tests/server/address.h"
+#include "tests/server/delaying_proxy.h"
 
 #ifdef __SANITIZE_ADDRESS__
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
@@ -153,6 +156,41 @@ TEST_F(ArrayTest, TenThousandRowsTakeNoMoreThanThirtyRoundTrips) {
   const WireLog log = wireOf([&] { insertRange(1, 10'000); });
   EXPECT_LE(log.roundTrips, 30);
   EXPECT_EQ(sums(), sumsOf(10'000));
+}
+
+TEST_F(ArrayTest, TenThousandRowsTakeNoMoreThanThirtyTripsToADistantServer) {
+  using std::chrono::milliseconds;
+  constexpr milliseconds kTrip{20};
+  const ServerAddress &at = testServer();
+  const DelayingProxy proxy(at.host, at.port, kTrip / 2);
+  const std::string target = at.host + ":" + proxy.port() + "/" + at.db;
+  const auto text = [](const std::string &s) {
+    return reinterpret_cast<const OraText *>(s.data());
+  };
+  const auto size = [](const std::string &s) { return static_cast<ub4>(s.size()); };
+  OCISvcCtx *distant = nullptr;
+  ASSERT_EQ(OCILogon(env(), errhp(), &distant, text(at.user), size(at.user),
+                     text(at.password), size(at.password), text(target), size(target)),
+            OCI_SUCCESS)
+      << errorText();
+  const auto insertTenBatches = [&](OCISvcCtx *svchp) {
+    const auto start = std::chrono::steady_clock::now();
+    Statement stmt(env(), errhp(), svchp);
+    EXPECT_EQ(stmt.prepare("INSERT INTO " + table() + " VALUES (:i, :t)"), OCI_SUCCESS);
+    Batch batch(kBatch);
+    batch.bind(stmt);
+    for (sb4 first = 1; first <= 10'000; first += kBatch) {
+      batch.fill(first);
+      EXPECT_EQ(stmt.execute(kBatch), OCI_SUCCESS) << errorText();
+    }
+    EXPECT_EQ(OCITransCommit(svchp, errhp(), OCI_DEFAULT), OCI_SUCCESS);
+    return std::chrono::steady_clock::now() - start;
+  };
+  const auto near = insertTenBatches(svchp());
+  const auto far = insertTenBatches(distant);
+  EXPECT_LE((far - near) / kTrip, 30);
+  EXPECT_EQ(query("SELECT count(*) FROM " + table()), "20000");
+  EXPECT_EQ(OCILogoff(distant, errhp()), OCI_SUCCESS);
 }
 
 TEST_F(ArrayTest, FailingRowStoresNothingOfItsBatchAndSaysWhich) {
