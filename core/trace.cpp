@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include "core/owned.h"
 
@@ -75,6 +76,9 @@ extern "C" {
 std::FILE *oci_debug_log = nullptr;
 std::uint64_t oci_debug_mask = 0xFFFFDFFF;
 int OCI2PQ_TRACE_LEVEL = 0;
+const char *const OCIPieceCodes[] = {"OCI_ONE_PIECE", "OCI_FIRST_PIECE", "OCI_NEXT_PIECE",
+                                     "OCI_LAST_PIECE"};
+static_assert(OCI_ONE_PIECE == 0 && OCI_LAST_PIECE == std::size(OCIPieceCodes) - 1);
 
 int ocitracing(std::uint64_t mask) {
   return zev::tracing(mask);

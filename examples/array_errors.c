@@ -25,7 +25,7 @@ static sb4 count(struct session *s) {
 int main(int argc, char **argv) {
   struct session s = log_on(target_of(argc, argv, 1));
   sb4 ids[ROWS];
-  char names[ROWS][16];
+  char names[ROWS][16] = {{0}};
   OCIStmt *stmt;
   OraText words[1024];
   sb4 code = 0;

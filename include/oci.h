@@ -89,6 +89,19 @@ typedef sb4 (*OCICallbackLobWrite)(void *ctxp, void *bufp, ub4 *lenp, ub1 *piece
 typedef sb4 (*OCICallbackLobRead2)(void *ctxp, const void *bufp, oraub8 len, ub1 piece,
                                    void **changed_bufpp, oraub8 *changed_lenp);
 
+/* OCICallbackLobWrite with 64-bit lengths; may store another buffer for the next piece.
+ */
+typedef sb4 (*OCICallbackLobWrite2)(void *ctxp, void *bufp, oraub8 *lenp, ub1 *piecep,
+                                    void **changed_bufpp, oraub8 *changed_lenp);
+
+/* OCICallbackLobRead2 and OCICallbackLobWrite2 for large object number array_iter. */
+typedef sb4 (*OCICallbackLobArrayRead)(void *ctxp, ub4 array_iter, const void *bufp,
+                                       oraub8 len, ub1 piecep, void **changed_bufpp,
+                                       oraub8 *changed_lenp);
+typedef sb4 (*OCICallbackLobArrayWrite)(void *ctxp, ub4 array_iter, void *bufp,
+                                        oraub8 *lenp, ub1 *piecep, void **changed_bufpp,
+                                        oraub8 *changed_lenp);
+
 /* Told of a failover: fo_type is OCI_FO_NONE, OCI_FO_SESSION, ..., fo_event OCI_FO_BEGIN,
  * .... */
 typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4 fo_type,

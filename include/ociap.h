@@ -321,6 +321,108 @@ sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 /* Prepares the current transaction for commit under the XID of the transaction handle. */
 sword OCITransPrepare(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
+/* ---- Not supported ----
+
+   These exist so that programs load. A call of one writes a line that names it to the
+   standard error stream and ends the process with status 1, unless the environment
+   variable ZEV_OCI_UIFCTN_RET_OK is set: then it returns OCI_SUCCESS and leaves its
+   output arguments as they are. */
+
+sword OCIDurationBegin(OCIEnv *env, OCIError *err, const OCISvcCtx *svc,
+                       OCIDuration parent, OCIDuration *dur);
+sword OCIDurationEnd(OCIEnv *env, OCIError *err, const OCISvcCtx *svc,
+                     OCIDuration duration);
+sword OCILobAppend(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *dst_locp,
+                   OCILobLocator *src_locp);
+sword OCILobArrayRead(OCISvcCtx *svchp, OCIError *errhp, ub4 *array_iter,
+                      OCILobLocator **locp_arr, oraub8 *byte_amt_arr,
+                      oraub8 *char_amt_arr, oraub8 *offset_arr, void **bufp_arr,
+                      oraub8 *bufl_arr, ub1 piece, void *ctxp,
+                      OCICallbackLobArrayRead cbfp, ub2 csid, ub1 csfrm);
+sword OCILobArrayWrite(OCISvcCtx *svchp, OCIError *errhp, ub4 *array_iter,
+                       OCILobLocator **locp_arr, oraub8 *byte_amt_arr,
+                       oraub8 *char_amt_arr, oraub8 *offset_arr, void **bufp_arr,
+                       oraub8 *bufl_arr, ub1 piece, void *ctxp,
+                       OCICallbackLobArrayWrite cbfp, ub2 csid, ub1 csfrm);
+sword OCILobAssign(OCIEnv *envhp, OCIError *errhp, const OCILobLocator *src_locp,
+                   OCILobLocator **dst_locpp);
+sword OCILobCharSetForm(OCIEnv *envhp, OCIError *errhp, const OCILobLocator *locp,
+                        ub1 *csfrm);
+sword OCILobCharSetId(OCIEnv *envhp, OCIError *errhp, const OCILobLocator *locp,
+                      ub2 *csid);
+sword OCILobCopy(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *dst_locp,
+                 OCILobLocator *src_locp, ub4 amount, ub4 dst_offset, ub4 src_offset);
+sword OCILobCopy2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *dst_locp,
+                  OCILobLocator *src_locp, oraub8 amount, oraub8 dst_offset,
+                  oraub8 src_offset);
+sword OCILobCreateTemporary(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                            ub2 csid, ub1 csfrm, ub1 lobtype, boolean cache,
+                            OCIDuration duration);
+sword OCILobDisableBuffering(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
+sword OCILobEnableBuffering(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
+sword OCILobErase(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amount,
+                  ub4 offset);
+sword OCILobErase2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, oraub8 *amount,
+                   oraub8 offset);
+sword OCILobFileClose(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *filep);
+sword OCILobFileCloseAll(OCISvcCtx *svchp, OCIError *errhp);
+sword OCILobFileExists(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *filep,
+                       boolean *flag);
+sword OCILobFileGetName(OCIEnv *envhp, OCIError *errhp, const OCILobLocator *filep,
+                        OraText *dir_alias, ub2 *d_length, OraText *filename,
+                        ub2 *f_length);
+sword OCILobFileIsOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *filep,
+                       boolean *flag);
+sword OCILobFileOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *filep, ub1 mode);
+sword OCILobFileSetName(OCIEnv *envhp, OCIError *errhp, OCILobLocator **filepp,
+                        const OraText *dir_alias, ub2 d_length, const OraText *filename,
+                        ub2 f_length);
+sword OCILobFlushBuffer(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 flag);
+sword OCILobFreeTemporary(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp);
+sword OCILobGetChunkSize(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                         ub4 *chunksizep);
+sword OCILobGetLength2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                       oraub8 *lenp);
+sword OCILobGetStorageLimit(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                            oraub8 *limitp);
+sword OCILobIsEqual(OCIEnv *envhp, const OCILobLocator *x, const OCILobLocator *y,
+                    boolean *is_equal);
+sword OCILobIsOpen(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, boolean *flag);
+sword OCILobIsTemporary(OCIEnv *envhp, OCIError *errhp, OCILobLocator *locp,
+                        boolean *is_temporary);
+sword OCILobLoadFromFile(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *dst_locp,
+                         OCILobLocator *src_filep, ub4 amount, ub4 dst_offset,
+                         ub4 src_offset);
+sword OCILobLoadFromFile2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *dst_locp,
+                          OCILobLocator *src_filep, oraub8 amount, oraub8 dst_offset,
+                          oraub8 src_offset);
+sword OCILobLocatorAssign(OCISvcCtx *svchp, OCIError *errhp,
+                          const OCILobLocator *src_locp, OCILobLocator **dst_locpp);
+sword OCILobLocatorIsInit(OCIEnv *envhp, OCIError *errhp, const OCILobLocator *locp,
+                          boolean *is_initialized);
+sword OCILobRead2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                  oraub8 *byte_amtp, oraub8 *char_amtp, oraub8 offset, void *bufp,
+                  oraub8 bufl, ub1 piece, void *ctxp, OCICallbackLobRead2 cbfp, ub2 csid,
+                  ub1 csfrm);
+sword OCILobTrim2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, oraub8 newlen);
+sword OCILobWrite(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp, ub4 *amtp,
+                  ub4 offset, void *bufp, ub4 buflen, ub1 piece, void *ctxp,
+                  OCICallbackLobWrite cbfp, ub2 csid, ub1 csfrm);
+sword OCILobWrite2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                   oraub8 *byte_amtp, oraub8 *char_amtp, oraub8 offset, void *bufp,
+                   oraub8 buflen, ub1 piece, void *ctxp, OCICallbackLobWrite2 cbfp,
+                   ub2 csid, ub1 csfrm);
+sword OCILobWriteAppend2(OCISvcCtx *svchp, OCIError *errhp, OCILobLocator *locp,
+                         oraub8 *byte_amtp, oraub8 *char_amtp, void *bufp, oraub8 buflen,
+                         ub1 piece, void *ctxp, OCICallbackLobWrite2 cbfp, ub2 csid,
+                         ub1 csfrm);
+sword OCIParamSet(void *hdlp, ub4 htyp, OCIError *errhp, const void *dscp, ub4 dtyp,
+                  ub4 pos);
+sword OCIStmtGetPieceInfo(const OCIStmt *stmtp, OCIError *errhp, void **hndlpp,
+                          ub4 *typep, ub1 *in_outp, ub4 *iterp, ub4 *idxp, ub1 *piecep);
+sword OCIStmtSetPieceInfo(void *hndlp, ub4 type, OCIError *errhp, const void *bufp,
+                          ub4 *alenp, ub1 piece, const void *indp, ub2 *rcodep);
+
 #ifdef __cplusplus
 }
 #endif

@@ -33,13 +33,12 @@ struct Portal {
 
 /// A single-row INSERT as one with many rows.
 struct ManyRows {
-  bool refused = false;       ///< the outcome could be another: rows go one by one
-  bool verified = false;      ///< the table was a plain one before
-  std::string table;          ///< as written
-  std::string head;           ///< the text up to the parenthesis of the values
-  std::string values;         ///< the values in their parentheses
-  std::vector<Oid> types;     ///< the parameters of one row
-  std::vector<int> prepared;  ///< numbers of rows that a variant stands for
+  bool refused = false;    ///< the outcome could be another: rows go one by one
+  std::string table;       ///< as written
+  std::string head;        ///< the text up to the parenthesis of the values
+  std::string values;      ///< the values in their parentheses
+  std::vector<Oid> types;  ///< the parameters of one row
+  std::vector<std::string> prepared;  ///< names of the statements prepared for it
 };
 
 /// The text and the declared parameter types of a prepared statement.
@@ -190,7 +189,7 @@ Result collectBind(PGconn *conn, Adapter &adapter);
 // many_rows.cpp
 
 /// Drops the variants of a statement on the server, as far as it can be reached.
-void dropVariants(PGconn *conn, std::string_view name, const Statement &statement);
+void dropVariants(PGconn *conn, const Statement &statement);
 
 // bulk.cpp
 

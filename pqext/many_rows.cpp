@@ -50,6 +50,9 @@ constexpr const char *kGuard =
 std::string variantName(std::string_view name, int rows) {
   return std::string(name) + "_x" + std::to_string(rows);
 }
+std::string guardName(std::string_view name) {
+  return std::string(name) + "_guard";
+}
 
 /// What is known of a statement as an INSERT of many rows; learnt at the first use. The
 /// types of its parameters cost a question.
@@ -108,7 +111,7 @@ class Attempt {
     run.finish(conn_);
     run.close(conn_);
     if (!run.failed()) {
-      many_.prepared.insert(many_.prepared.end(), newSizes_.begin(), newSizes_.end());
+      keepPrepared();
       return true;
     }
     noteFailure(run.failedCommand());
@@ -134,6 +137,9 @@ class Attempt {
 
   void plan() {
     steps_.push_back([this] { return command(kSavepoint); });
+    planPrepared(guardName(name_), [this](const char *guard) {
+      return PQsendPrepare(conn_, guard, kGuard, 0, nullptr);
+    });
     steps_.push_back([this] { return guard(); });
     for (const int size : kSizes) planVariant(size);
     firstRow_ = static_cast<int>(steps_.size());
@@ -146,19 +152,30 @@ class Attempt {
     steps_.push_back([this] { return command(kRelease); });
   }
 
+  /// A statement that `prepare` makes at its first use.
+  template <class Prepare>
+  void planPrepared(std::string name, Prepare prepare) {
+    if (std::ranges::count(many_.prepared, name)) return;
+    newlyPrepared_.push_back(name);
+    steps_.push_back([name = std::move(name), prepare] { return prepare(name.c_str()); });
+  }
+
   void planVariant(int size) {
-    const bool isNeeded = std::ranges::count(portions_, size, &Portion::rows) != 0;
-    if (!isNeeded || std::ranges::count(many_.prepared, size)) return;
-    newSizes_.push_back(size);
-    steps_.push_back([this, size] {
+    if (!std::ranges::count(portions_, size, &Portion::rows)) return;
+    planPrepared(variantName(name_, size), [this, size](const char *variant) {
       std::vector<Oid> types;
       for (int i = 0; i < size; ++i) {
         types.insert(types.end(), many_.types.begin(), many_.types.end());
       }
       const std::string text = insertOf(many_.head, many_.values, rows_.params, size);
-      return PQsendPrepare(conn_, variantName(name_, size).c_str(), text.c_str(),
-                           static_cast<int>(types.size()), types.data());
+      return PQsendPrepare(conn_, variant, text.c_str(), static_cast<int>(types.size()),
+                           types.data());
     });
+  }
+
+  void keepPrepared() {
+    many_.prepared.insert(many_.prepared.end(), newlyPrepared_.begin(),
+                          newlyPrepared_.end());
   }
 
   int command(const char *sql) {
@@ -167,7 +184,8 @@ class Attempt {
 
   int guard() {
     const char *const values[] = {many_.table.c_str()};
-    return PQsendQueryParams(conn_, kGuard, 1, nullptr, values, nullptr, nullptr, 0);
+    return PQsendQueryPrepared(conn_, guardName(name_).c_str(), 1, values, nullptr,
+                               nullptr, 0);
   }
 
   int store(const Portion &portion) {
@@ -182,9 +200,7 @@ class Attempt {
     if (failed < 0) return;
     const bool ofRows = failed >= firstRow_ && failed < guard_;
     many_.refused = !ofRows;
-    if (failed >= firstRow_) {
-      many_.prepared.insert(many_.prepared.end(), newSizes_.begin(), newSizes_.end());
-    }
+    if (failed >= firstRow_) keepPrepared();
   }
 
   PGconn *conn_;
@@ -193,7 +209,7 @@ class Attempt {
   const RowArrays &rows_;
   std::vector<Portion> portions_;
   std::vector<int> formats_;
-  std::vector<int> newSizes_;
+  std::vector<std::string> newlyPrepared_;
   std::vector<Step> steps_;
   std::string message_;
   Result failure_;
@@ -203,11 +219,11 @@ class Attempt {
 
 }  // namespace
 
-void dropVariants(PGconn *conn, std::string_view name, const Statement &statement) {
+void dropVariants(PGconn *conn, const Statement &statement) {
   if (!statement.many || !takesQuestions(conn)) return;
   std::string all;
-  for (const int size : statement.many->prepared) {
-    all += "DEALLOCATE " + quoted(conn, variantName(name, size)) + ';';
+  for (const std::string &prepared : statement.many->prepared) {
+    all += "DEALLOCATE " + quoted(conn, prepared) + ';';
   }
   if (!all.empty()) PQclear(PQexec(conn, all.c_str()));
 }

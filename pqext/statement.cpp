@@ -82,7 +82,7 @@ void PQextForgetPrepared(PGconn *conn, const char *stmtName) {
   if (!adapter) return;
   if (const auto known = adapter->statements.find(std::string_view(stmtName));
       known != adapter->statements.end()) {
-    dropVariants(conn, stmtName, known->second);
+    dropVariants(conn, known->second);
     adapter->statements.erase(known);
   }
   const auto call = adapter->calls.find(std::string_view(stmtName));

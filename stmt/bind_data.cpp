@@ -116,21 +116,24 @@ sword convertBindValue(OCIBind *bind, OCIError *errhp, void *buffer, sb4 length,
 
 ParameterArrays::ParameterArrays(const List *placeholderBinds)
     : binds_(placeholderBinds) {
-  const ub4 count = list_length(placeholderBinds);
-  values_.resize(count);
-  lengths_.resize(count);
-  formats_.resize(count);
+  const std::size_t count = list_length(placeholderBinds);
+  if (count <= Few::kCount) return;
+  manyValues_.resize(count);
+  manyNumbers_.resize(2 * count);
+  values_ = manyValues_.data();
+  lengths_ = manyNumbers_.data();
+  formats_ = lengths_ + count;
 }
 
 void ParameterArrays::gather() {
-  gatherValues(binds_, values_.data(), lengths_.data(), formats_.data());
+  gatherValues(binds_, values_, lengths_, formats_);
 }
 
 wire::Parameters ParameterArrays::parameters(ub4 count) const {
   return {.count = static_cast<int>(count),
-          .values = values_.data(),
-          .lengths = lengths_.data(),
-          .formats = formats_.data()};
+          .values = values_,
+          .lengths = lengths_,
+          .formats = formats_};
 }
 
 RowValues::RowValues(const List *placeholderBinds, ub4 paramCount)

@@ -21,21 +21,35 @@ ZEV_HELPER void release_binds_pgdata(List *binds);
 
 namespace zev {
 
-/// The parameter arrays of one execution; bindPgValues with an owner.
+/// The parameter arrays of one execution; bindPgValues with an owner. Few parameters have
+/// their room in the object itself.
 class ParameterArrays {
  public:
-  /// Takes room for one element per element of `placeholderBinds`.
+  /// Takes room for one element per element of `placeholderBinds`. Throws std::bad_alloc.
   explicit ParameterArrays(const List *placeholderBinds);
+  ParameterArrays(const ParameterArrays &) = delete;
+  ParameterArrays &operator=(const ParameterArrays &) = delete;
   /// Takes over the values that the binds hold at this moment.
   void gather();
   /// What the client library's calls take; `count` is the number of parameters sent.
   wire::Parameters parameters(ub4 count) const;
 
  private:
+  /// Room for what most statements have.
+  struct Few {
+    static constexpr ub4 kCount = 16;
+    const char *values[kCount];
+    int lengths[kCount];
+    int formats[kCount];
+  };
+
   const List *binds_;
-  std::vector<const char *> values_;
-  std::vector<int> lengths_;
-  std::vector<int> formats_;
+  Few few_ = {};
+  std::vector<const char *> manyValues_;
+  std::vector<int> manyNumbers_;  ///< lengths, then formats
+  const char **values_ = few_.values;
+  int *lengths_ = few_.lengths;
+  int *formats_ = few_.formats;
 };
 
 /// The converted values of many rows, which it owns.

@@ -14,7 +14,7 @@
 #include "stmt/block_parser.h"
 #include "stmt/block_scanner.h"
 
-thread_local OCICallableStmt *parse_stmt_node = nullptr;
+thread_local callableStmt *parse_stmt_node = nullptr;
 
 namespace {
 
@@ -61,7 +61,7 @@ void *zev::blockScanner() {
   return scanner.get();
 }
 
-OCICallableStmt *zev::parseBlock(const char *text) {
+callableStmt *zev::parseBlock(const char *text) {
   ReleaseOCICallableStmt(parse_stmt_node);
   parse_stmt_node = nullptr;
   int outcome = 1;
@@ -72,7 +72,7 @@ OCICallableStmt *zev::parseBlock(const char *text) {
     outcome = 2;
   }
   scanner_finish();
-  OCICallableStmt *node = parse_stmt_node;
+  callableStmt *node = parse_stmt_node;
   parse_stmt_node = nullptr;
   if (outcome == 0) return node;
   ReleaseOCICallableStmt(node);
@@ -95,7 +95,7 @@ void scanner_finish() {
   scanner.finish();
 }
 
-void ReleaseOCICallableStmt(OCICallableStmt *node) {
+void ReleaseOCICallableStmt(callableStmt *node) {
   if (!node || node->tag != kCallableStmtTag) return;
   node->tag = 0;
   std::free(node->text);

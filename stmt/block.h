@@ -9,7 +9,7 @@
 #include "zevoci/api.h"
 
 /// A parsed block.
-struct OCICallableStmt {
+struct callableStmt {
   ub4 tag;     ///< kCallableStmtTag
   char *text;  ///< owned; "CALL name ( :a , :b );"
   std::uint64_t hasReturn;
@@ -21,7 +21,7 @@ constexpr ub4 kCallableStmtTag = 6;
 
 extern "C" {
 /// The thread's result of yyparse; null for an empty text. Whoever takes it sets null.
-extern thread_local OCICallableStmt *parse_stmt_node;
+extern thread_local callableStmt *parse_stmt_node;
 
 /// Sets the thread's scanner on a copy of `text`; 0, or -1 when memory runs out.
 ZEV_HELPER int scanner_init(const char *text);
@@ -32,7 +32,7 @@ ZEV_HELPER void scanner_finish();
 int yyparse();
 
 /// Frees a block with its texts; does nothing for null and for a wrong tag.
-ZEV_HELPER void ReleaseOCICallableStmt(OCICallableStmt *node);
+ZEV_HELPER void ReleaseOCICallableStmt(callableStmt *node);
 /// The token of a keyword, in any case of its ASCII letters; 0 for another word.
 ZEV_HELPER int ScanGramKeywordLookup(const char *word);
 /// A new copy of a text, freed by the caller.
@@ -48,6 +48,6 @@ namespace zev {
 void *blockScanner();
 
 /// Parses a block; null when it is none. The caller releases it.
-OCICallableStmt *parseBlock(const char *text);
+callableStmt *parseBlock(const char *text);
 
 }  // namespace zev

@@ -23,8 +23,8 @@ char *joined(char *name, char *parameters) {
   return cat_str(5, make_str("CALL"), name, make_str("("), parameters, make_str(");"));
 }
 
-OCICallableStmt *makeCall(char *returnParam, char *name, char *parameters) {
-  auto *node = static_cast<OCICallableStmt *>(std::calloc(1, sizeof(OCICallableStmt)));
+callableStmt *makeCall(char *returnParam, char *name, char *parameters) {
+  auto *node = static_cast<callableStmt *>(std::calloc(1, sizeof(callableStmt)));
   if (!node) throw std::bad_alloc();
   node->tag = kCallableStmtTag;
   node->name = make_str(name);
@@ -42,7 +42,7 @@ OCICallableStmt *makeCall(char *returnParam, char *name, char *parameters) {
 
 %union {
   char *str;
-  OCICallableStmt *stmt;
+  callableStmt *stmt;
 }
 
 %token <str> IDENT 258 PARAM 259

@@ -92,12 +92,12 @@ sword takeText(OCIStmt *stmt, OCIError *errhp, const OraText *text, ub4 length) 
 }
 
 struct ReleaseBlock {
-  void operator()(OCICallableStmt *node) const noexcept { ReleaseOCICallableStmt(node); }
+  void operator()(callableStmt *node) const noexcept { ReleaseOCICallableStmt(node); }
 };
 
 /// Makes a statement the call that its block holds. False when it holds none.
 bool takeCallBlock(OCIStmt *stmt) {
-  const std::unique_ptr<OCICallableStmt, ReleaseBlock> node(
+  const std::unique_ptr<callableStmt, ReleaseBlock> node(
       zev::parseBlock(stmt->stmtText));
   if (!node) return false;
   stmt->isCallable = 1;

@@ -32,6 +32,8 @@ extern ZEV_HELPER std::FILE *oci_debug_log;
 extern ZEV_HELPER std::uint64_t oci_debug_mask;
 /// Verbosity of the narrative lines of stubs and callbacks.
 extern ZEV_HELPER int OCI2PQ_TRACE_LEVEL;
+/// Names of the pieces of a value, by their published numbers.
+extern ZEV_HELPER const char *const OCIPieceCodes[4];
 
 /// Writes "label: " (for a non-null label) and the formatted text when `mask` is on.
 ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *format, ...)

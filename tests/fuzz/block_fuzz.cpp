@@ -1,7 +1,5 @@
 /// A text that is parsed as a call block: what comes out is a call whose parts follow
 /// from the text, and which the other side can take apart again.
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -15,10 +13,13 @@ void require(bool holds) {
   if (!holds) __builtin_trap();
 }
 
-/// The blocks' echo and messages would flood the fuzzer's own.
-[[maybe_unused]] const bool silenced = [] {
-  return std::freopen("/dev/null", "w", stdout) != nullptr;
-}();
+/// The blocks' echo and messages would flood the fuzzer's own, which holds the former
+/// standard error stream by now.
+void silence() {
+  stdout = std::fopen("/dev/null", "w");
+  stderr = stdout;
+  require(stdout);
+}
 
 /// The call with "$1", "$2", ... in place of its placeholders.
 std::string numbered(const std::string &call, int &count) {
@@ -34,7 +35,7 @@ std::string numbered(const std::string &call, int &count) {
   return text;
 }
 
-void check(const OCICallableStmt &block, const std::string &text) {
+void check(const callableStmt &block, const std::string &text) {
   const std::string call(block.text), name(block.name);
   require(call.starts_with("CALL " + name + " ( ") && call.ends_with(" );"));
   require(text.find(name) != text.npos || text.find('\'') != text.npos || !name.empty());
@@ -48,10 +49,15 @@ void check(const OCICallableStmt &block, const std::string &text) {
 
 }  // namespace
 
+extern "C" int LLVMFuzzerInitialize(int *, char ***) {
+  silence();
+  return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   std::string text(reinterpret_cast<const char *>(data), size);
   std::erase(text, '\0');
-  OCICallableStmt *block = zev::parseBlock(text.c_str());
+  callableStmt *block = zev::parseBlock(text.c_str());
   if (block) check(*block, text);
   ReleaseOCICallableStmt(block);
   ScanGramKeywordLookup(text.c_str());

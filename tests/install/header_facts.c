@@ -1211,10 +1211,13 @@ FUNCTION(sword, OCIDefineArrayOfStruct, (OCIDefine *, OCIError *, ub4, ub4, ub4,
 FUNCTION(sword, OCIDefineByPos, (OCIStmt *, OCIDefine **, OCIError *, ub4, void *, sb4,
          ub2, void *, ub2 *, ub2 *, ub4));
 FUNCTION(sword, OCIDefineDynamic, (OCIDefine *, OCIError *, void *, OCICallbackDefine));
-FUNCTION(sword, OCIDescriptorAlloc, (const void *, void **, ub4, size_t, void **));
-FUNCTION(sword, OCIDescriptorFree, (void *, ub4));
 FUNCTION(sword, OCIDescribeAny, (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1,
          OCIDescribe *));
+FUNCTION(sword, OCIDescriptorAlloc, (const void *, void **, ub4, size_t, void **));
+FUNCTION(sword, OCIDescriptorFree, (void *, ub4));
+FUNCTION(sword, OCIDurationBegin, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration,
+         OCIDuration *));
+FUNCTION(sword, OCIDurationEnd, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration));
 FUNCTION(sword, OCIEnvCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
          void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **));
 FUNCTION(sword, OCIEnvInit, (OCIEnv **, ub4, size_t, void **));
@@ -1226,20 +1229,79 @@ FUNCTION(sword, OCIHandleAlloc, (const void *, void **, ub4, size_t, void **));
 FUNCTION(sword, OCIHandleFree, (void *, ub4));
 FUNCTION(sword, OCIInitialize, (ub4, void *, void *(*)(void *, size_t),
          void *(*)(void *, void *, size_t), void (*)(void *, void *)));
+FUNCTION(sword, OCILobAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *));
+FUNCTION(sword, OCILobArrayRead, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **, oraub8
+         *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *, OCICallbackLobArrayRead,
+         ub2, ub1));
+FUNCTION(sword, OCILobArrayWrite, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **,
+         oraub8 *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *,
+         OCICallbackLobArrayWrite, ub2, ub1));
+FUNCTION(sword, OCILobAssign, (OCIEnv *, OCIError *, const OCILobLocator *, OCILobLocator
+         **));
+FUNCTION(sword, OCILobCharSetForm, (OCIEnv *, OCIError *, const OCILobLocator *, ub1 *));
+FUNCTION(sword, OCILobCharSetId, (OCIEnv *, OCIError *, const OCILobLocator *, ub2 *));
+FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobCopy, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
+         ub4, ub4, ub4));
+FUNCTION(sword, OCILobCopy2, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
+         oraub8, oraub8, oraub8));
+FUNCTION(sword, OCILobCreateTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *, ub2,
+         ub1, ub1, boolean, OCIDuration));
+FUNCTION(sword, OCILobDisableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobEnableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobErase, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4));
+FUNCTION(sword, OCILobErase2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
+         oraub8));
+FUNCTION(sword, OCILobFileClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobFileCloseAll, (OCISvcCtx *, OCIError *));
+FUNCTION(sword, OCILobFileExists, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobFileGetName, (OCIEnv *, OCIError *, const OCILobLocator *, OraText
+         *, ub2 *, OraText *, ub2 *));
+FUNCTION(sword, OCILobFileIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobFileOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobFileSetName, (OCIEnv *, OCIError *, OCILobLocator **, const OraText
+         *, ub2, const OraText *, ub2));
+FUNCTION(sword, OCILobFlushBuffer, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobFreeTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobGetChunkSize, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobGetLength2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *));
+FUNCTION(sword, OCILobGetStorageLimit, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8
+         *));
+FUNCTION(sword, OCILobIsEqual, (OCIEnv *, const OCILobLocator *, const OCILobLocator *,
+         boolean *));
+FUNCTION(sword, OCILobIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobIsTemporary, (OCIEnv *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobLoadFromFile, (OCISvcCtx *, OCIError *, OCILobLocator *,
+         OCILobLocator *, ub4, ub4, ub4));
+FUNCTION(sword, OCILobLoadFromFile2, (OCISvcCtx *, OCIError *, OCILobLocator *,
+         OCILobLocator *, oraub8, oraub8, oraub8));
+FUNCTION(sword, OCILobLocatorAssign, (OCISvcCtx *, OCIError *, const OCILobLocator *,
+         OCILobLocator **));
+FUNCTION(sword, OCILobLocatorIsInit, (OCIEnv *, OCIError *, const OCILobLocator *, boolean
+         *));
+FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobRead, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4,
+         void *, ub4, void *, OCICallbackLobRead, ub2, ub1));
+FUNCTION(sword, OCILobRead2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
+         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobRead2, ub2, ub1));
+FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobTrim2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8));
+FUNCTION(sword, OCILobWrite, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4, void
+         *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
+FUNCTION(sword, OCILobWrite2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
+         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
+FUNCTION(sword, OCILobWriteAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *,
+         void *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
+FUNCTION(sword, OCILobWriteAppend2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
+         oraub8 *, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
 FUNCTION(sword, OCILogoff, (OCISvcCtx *, OCIError *));
 FUNCTION(sword, OCILogon, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
          const OraText *, ub4, const OraText *, ub4));
 FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
          const OraText *, ub4, const OraText *, ub4, ub4));
-FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
-FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
-FUNCTION(sword, OCILobRead, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4,
-         void *, ub4, void *, OCICallbackLobRead, ub2, ub1));
-FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
-FUNCTION(sword, OCILobWriteAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *,
-         void *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
 FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
+FUNCTION(sword, OCIParamSet, (void *, ub4, OCIError *, const void *, ub4, ub4));
 FUNCTION(sword, OCIPasswordChange, (OCISvcCtx *, OCIError *, const OraText *, ub4, const
          OraText *, ub4, const OraText *, ub4, ub4));
 FUNCTION(sword, OCIPGErrorGet, (void *, ub4, OraText *, ub4, OraText *, ub4, ub4));
@@ -1257,11 +1319,15 @@ FUNCTION(sword, OCIStmtFetch, (OCIStmt *, OCIError *, ub4, ub2, ub4));
 FUNCTION(sword, OCIStmtFetch2, (OCIStmt *, OCIError *, ub4, ub2, sb4, ub4));
 FUNCTION(sword, OCIStmtGetBindInfo, (OCIStmt *, OCIError *, ub4, ub4, sb4 *,
          OraText *[], ub1 [], OraText *[], ub1 [], ub1 [], OCIBind **));
+FUNCTION(sword, OCIStmtGetPieceInfo, (const OCIStmt *, OCIError *, void **, ub4 *, ub1 *,
+         ub4 *, ub4 *, ub1 *));
 FUNCTION(sword, OCIStmtPrepare, (OCIStmt *, OCIError *, const OraText *, ub4, ub4,
          ub4));
 FUNCTION(sword, OCIStmtPrepare2, (OCISvcCtx *, OCIStmt **, OCIError *, const OraText *,
          ub4, const OraText *, ub4, ub4, ub4));
 FUNCTION(sword, OCIStmtRelease, (OCIStmt *, OCIError *, const OraText *, ub4, ub4));
+FUNCTION(sword, OCIStmtSetPieceInfo, (void *, ub4, OCIError *, const void *, ub4 *, ub1,
+         const void *, ub2 *));
 FUNCTION(sword, OCITerminate, (ub4));
 FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));

@@ -2,11 +2,15 @@
 #include <malloc.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <vector>
 
 #include "tests/integration/support/statement_fixture.h"
+#include "tests/server/address.h"
+#include "tests/server/delaying_proxy.h"
 
 #ifdef __SANITIZE_ADDRESS__
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
@@ -59,6 +63,13 @@ class ArrayTest : public StatementFixture {
       ASSERT_EQ(stmt.execute(rows), OCI_SUCCESS) << errorText();
     }
   }
+  void insertIndexed(sb4 rows) {
+    run("CREATE INDEX ON " + table() + " (id)");
+    insertRange(1, rows);
+  }
+  /// The last batch of so many rows is not full.
+  static sb4 manyRows() { return std::getenv("ZEVOCI_TEST_LONG") ? 1'000'500 : 20'500; }
+
   std::string sums() {
     return inSession(
         "SELECT count(*) || ':' || coalesce(sum(id), 0) || ':' ||"
@@ -74,7 +85,7 @@ class ArrayTest : public StatementFixture {
 };
 
 TEST_F(ArrayTest, ArraysOfAThousandArriveWhole) {
-  const sb4 rows = std::getenv("ZEVOCI_TEST_LONG") ? 1'000'000 : 20'500;
+  const sb4 rows = manyRows();
   insertRange(1, rows);
   EXPECT_EQ(sums(), sumsOf(rows));
 }
@@ -99,26 +110,33 @@ TEST_F(ArrayTest, RowCountOfAnUpdateIsThatOfTheBatchWhateverChanged) {
 }
 
 TEST_F(ArrayTest, UpdateByArrayChangesEachRow) {
-  insertRange(1, 2500);
+  const sb4 rows = manyRows();
+  insertIndexed(rows);
   Statement stmt = statement("UPDATE " + table() + " SET t = :t || '!' WHERE id = :i");
   Batch batch(kBatch);
   batch.bind(stmt);
-  for (const sb4 first : {1, 1001, 2001}) {
+  for (sb4 first = 1; first <= rows; first += kBatch) {
     batch.fill(first);
-    ASSERT_EQ(stmt.execute(first == 2001 ? 500 : kBatch), OCI_SUCCESS) << errorText();
+    ASSERT_EQ(stmt.execute(static_cast<ub4>(std::min<sb4>(kBatch, rows - first + 1))),
+              OCI_SUCCESS)
+        << errorText();
   }
-  EXPECT_EQ(inSession("SELECT count(*) FROM " + table() + " WHERE t = 't' || id || '!'"),
-            "2500");
+  EXPECT_EQ(inSession("SELECT count(*) || ':' || sum(id) FROM " + table() +
+                      " WHERE t = 't' || id || '!'"),
+            inSession("SELECT count(*) || ':' || sum(i) FROM generate_series(1, " +
+                      std::to_string(rows) + ") i"));
 }
 
 TEST_F(ArrayTest, DeleteByArrayDeletesEachRow) {
-  insertRange(1, 3000);
+  const sb4 rows = manyRows();
+  insertIndexed(rows + 500);
   Statement stmt = statement("DELETE FROM " + table() + " WHERE id = :i");
-  std::vector<sb4> ids(2500);
-  for (std::size_t i = 0; i < ids.size(); ++i) ids[i] = static_cast<sb4>(i) + 1;
+  std::vector<sb4> ids(static_cast<std::size_t>(rows));
+  std::iota(ids.begin(), ids.end(), 1);
   stmt.bind(":i", ids.data(), sizeof(sb4), SQLT_INT);
-  ASSERT_EQ(stmt.execute(2500), OCI_SUCCESS) << errorText();
-  EXPECT_EQ(inSession("SELECT count(*) || ':' || min(id) FROM " + table()), "500:2501");
+  ASSERT_EQ(stmt.execute(static_cast<ub4>(rows)), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(inSession("SELECT count(*) || ':' || min(id) FROM " + table()),
+            "500:" + std::to_string(rows + 1));
 }
 
 TEST_F(ArrayTest, RowCountOfADeleteIsThatOfItsLastRow) {
@@ -153,6 +171,41 @@ TEST_F(ArrayTest, TenThousandRowsTakeNoMoreThanThirtyRoundTrips) {
   const WireLog log = wireOf([&] { insertRange(1, 10'000); });
   EXPECT_LE(log.roundTrips, 30);
   EXPECT_EQ(sums(), sumsOf(10'000));
+}
+
+TEST_F(ArrayTest, TenThousandRowsTakeNoMoreThanThirtyTripsToADistantServer) {
+  using std::chrono::milliseconds;
+  constexpr milliseconds kTrip{20};
+  const ServerAddress &at = testServer();
+  const DelayingProxy proxy(at.host, at.port, kTrip / 2);
+  const std::string target = at.host + ":" + proxy.port() + "/" + at.db;
+  const auto text = [](const std::string &s) {
+    return reinterpret_cast<const OraText *>(s.data());
+  };
+  const auto size = [](const std::string &s) { return static_cast<ub4>(s.size()); };
+  OCISvcCtx *distant = nullptr;
+  ASSERT_EQ(OCILogon(env(), errhp(), &distant, text(at.user), size(at.user),
+                     text(at.password), size(at.password), text(target), size(target)),
+            OCI_SUCCESS)
+      << errorText();
+  const auto insertTenBatches = [&](OCISvcCtx *svchp) {
+    const auto start = std::chrono::steady_clock::now();
+    Statement stmt(env(), errhp(), svchp);
+    EXPECT_EQ(stmt.prepare("INSERT INTO " + table() + " VALUES (:i, :t)"), OCI_SUCCESS);
+    Batch batch(kBatch);
+    batch.bind(stmt);
+    for (sb4 first = 1; first <= 10'000; first += kBatch) {
+      batch.fill(first);
+      EXPECT_EQ(stmt.execute(kBatch), OCI_SUCCESS) << errorText();
+    }
+    EXPECT_EQ(OCITransCommit(svchp, errhp(), OCI_DEFAULT), OCI_SUCCESS);
+    return std::chrono::steady_clock::now() - start;
+  };
+  const auto near = insertTenBatches(svchp());
+  const auto far = insertTenBatches(distant);
+  EXPECT_LE((far - near) / kTrip, 30);
+  EXPECT_EQ(query("SELECT count(*) FROM " + table()), "20000");
+  EXPECT_EQ(OCILogoff(distant, errhp()), OCI_SUCCESS);
 }
 
 TEST_F(ArrayTest, FailingRowStoresNothingOfItsBatchAndSaysWhich) {

@@ -135,6 +135,7 @@ constexpr TypeCase kTypes[] = {
     {"varchar",       "varchar", SQLT_CHR, 4000, 4000, 0, 0},
     {"char(9)",       "bpchar",  SQLT_AFC, 9, 9, 0, 9},
     {"text",          "text",    SQLT_STR, 4000, 4000, 0, 0},
+    {"name",          "name",    0, 4000, 4000, 0, 0},
     {"int2",          "int2",    SQLT_INT, 2, 0, 0, 0},
     {"int4",          "int4",    SQLT_INT, 4, 0, 0, 0},
     {"int8",          "int8",    SQLT_INT, 8, 0, 0, 0},
@@ -189,6 +190,24 @@ TEST_F(DescribeTest, TheServersOwnTypesAreDescribed) {
   EXPECT_EQ(answers(column(stmt, 2)).typeName, "name");
   EXPECT_EQ(answers(column(stmt, 2)).isNull, 0);
   EXPECT_EQ(stmt.fetch(0), OCI_SUCCESS);
+}
+
+TEST_F(DescribeTest, NamesAreThoseOfTheSelectList) {
+  Statement stmt = statement("SELECT id AS other, t || 'x' FROM " + table());
+  ASSERT_EQ(stmt.execute(0, OCI_DESCRIBE_ONLY), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(stmt.attribute(OCI_ATTR_PARAM_COUNT), 2u);
+  EXPECT_EQ(answers(column(stmt, 1)).name, "other");
+  EXPECT_EQ(answers(column(stmt, 2)).isNull, 1) << "no column stands behind it";
+}
+
+TEST_F(DescribeTest, DefinesCanFollowADescribedPortal) {
+  Statement stmt = statement("SELECT 'abc'::text");
+  ASSERT_EQ(stmt.execute(0), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(answers(column(stmt, 1)).dataSize, 4000u);
+  TextBuffer<8> value;
+  stmt.define(1, value);
+  ASSERT_EQ(stmt.fetch(), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(value.text(), "abc");
 }
 
 TEST_F(DescribeTest, SizesBeforeAndAfterRows) {
@@ -409,6 +428,26 @@ TEST_F(DescribeTest, AFailedDescribeForgetsTheFormerOne) {
       OCIAttrGet(dschp(), OCI_HTYPE_DESCRIBE, &param, nullptr, OCI_ATTR_PARAM, errhp()),
       OCI_INVALID_HANDLE);
   EXPECT_EQ(get<ub2>(kept, OCI_ATTR_NUM_COLS), 2);
+}
+
+TEST_F(DescribeTest, EachReadGivesACopyThatItsOwnerFrees) {
+  Param first = describedTable(table());
+  OCIParam *again = nullptr;
+  ASSERT_EQ(
+      OCIAttrGet(dschp(), OCI_HTYPE_DESCRIBE, &again, nullptr, OCI_ATTR_PARAM, errhp()),
+      OCI_SUCCESS);
+  const Param second(again);
+  EXPECT_NE(first.get(), second.get());
+  EXPECT_EQ(OCIDescriptorFree(first.release(), OCI_DTYPE_PARAM), OCI_SUCCESS);
+  EXPECT_EQ(get<ub2>(second, OCI_ATTR_NUM_COLS), 2);
+}
+
+TEST_F(DescribeTest, AKindOfTheServersOwnIsTemporary) {
+  query("CREATE TABLE " + described() + " (a int)");
+  run("UPDATE pg_class SET relkind = 'u' WHERE relname = '" + described() + "'");
+  EXPECT_EQ(get<ub1>(describedTable(described()), OCI_ATTR_IS_TEMPORARY), 1);
+  EXPECT_EQ(get<ub1>(describedTable(table()), OCI_ATTR_IS_TEMPORARY), 0);
+  rollback();
 }
 
 TEST_F(DescribeTest, ALostConnectionIsReported) {

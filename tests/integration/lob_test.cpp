@@ -1,5 +1,6 @@
 /// Large objects through locators.
 #include <algorithm>
+#include <random>
 
 #include "tests/integration/support/statement_fixture.h"
 
@@ -177,9 +178,10 @@ TEST_F(LobTest, AnOpenLocatorStaysOpen) {
 }
 
 TEST_F(LobTest, ALocatorOfNothingIsRefused) {
-  ub4 size = 0;
+  ub4 size = 4711;
   EXPECT_EQ(OCILobGetLength(svchp(), errhp(), locator(), &size), OCI_ERROR);
   EXPECT_EQ(codes(), (std::vector<sb4>{1733}));
+  EXPECT_EQ(size, 4711u);
   rollback();
   char buffer[2];
   ub4 amount = 2;
@@ -194,6 +196,8 @@ TEST_F(LobTest, ALocatorOfNothingIsRefused) {
   rollback();
   EXPECT_EQ(append("x", amount), OCI_ERROR);
   EXPECT_EQ(codes(), (std::vector<sb4>{1733, 1733}));
+  rollback();
+  EXPECT_EQ(inSession("SELECT 1"), "1");
 }
 
 TEST_F(LobTest, AMissingObjectIsRefused) {
@@ -219,6 +223,51 @@ TEST_F(LobTest, AnOpenLocatorDoesNotSurviveItsTransaction) {
   EXPECT_EQ(codes(), (std::vector<sb4>{1733}));
   ub4 amount = 0;
   EXPECT_EQ(append("x", amount), OCI_ERROR);
+  EXPECT_EQ(close(), OCI_SUCCESS);
+}
+
+TEST_F(LobTest, WorkIsDoneInTheSessionsTransaction) {
+  makeObject("abc");
+  commit();
+  ub4 amount = 0;
+  ASSERT_EQ(append("def", amount), OCI_SUCCESS);
+  rollback();
+  EXPECT_EQ(length(), 3u);
+  ASSERT_EQ(append("def", amount), OCI_SUCCESS);
+  commit();
+  EXPECT_EQ(length(), 6u);
+}
+
+TEST_F(LobTest, MegabytesCrossWhole) {
+  std::mt19937 random(7);
+  std::string bytes(3'000'000, '\0');
+  for (char &c : bytes) c = static_cast<char>(random());
+  makeObject("");
+  EXPECT_EQ(length(), 0u);
+  ub4 amount = 0;
+  for (std::size_t at = 0; at < bytes.size(); at += 250'000) {
+    ASSERT_EQ(append(bytes.substr(at, 250'000), amount), OCI_SUCCESS);
+    ASSERT_EQ(amount, 250'000u);
+  }
+  Pieces pieces;
+  std::string buffer(65536, '?'), back;
+  amount = 3'000'000;
+  ASSERT_EQ(read(amount, 0, buffer.data(), 65536, &pieces), OCI_SUCCESS);
+  EXPECT_EQ(amount, 3'000'000u);
+  for (const auto &[piece, number] : pieces.got) back += piece;
+  EXPECT_TRUE(back == bytes);
+}
+
+TEST_F(LobTest, AnOpenLocatorIsCutAndReadWithoutBeingClosed) {
+  makeObject("abcdef");
+  ASSERT_EQ(open(), OCI_SUCCESS);
+  ASSERT_EQ(OCILobTrim(svchp(), errhp(), locator(), 4), OCI_SUCCESS);
+  char buffer[2];
+  Pieces pieces{.got = {}, .stopAfter = 1};
+  ub4 amount = 4;
+  EXPECT_EQ(read(amount, 0, buffer, 2, &pieces), OCI_SUCCESS);
+  EXPECT_EQ(amount, 2u);
+  EXPECT_EQ(length(), 4u);
   EXPECT_EQ(close(), OCI_SUCCESS);
 }
 

@@ -13,9 +13,9 @@ namespace zevtest {
 namespace {
 
 struct ReleaseBlock {
-  void operator()(OCICallableStmt *node) const noexcept { ReleaseOCICallableStmt(node); }
+  void operator()(callableStmt *node) const noexcept { ReleaseOCICallableStmt(node); }
 };
-using Block = std::unique_ptr<OCICallableStmt, ReleaseBlock>;
+using Block = std::unique_ptr<callableStmt, ReleaseBlock>;
 
 /// Parses a text and keeps what went to standard output and standard error meanwhile.
 struct Parsed {
@@ -192,7 +192,7 @@ TEST(BlockWords, TextsAreJoinedWithBlanks) {
 
 TEST(BlockRelease, LeavesWhatIsNoBlock) {
   ReleaseOCICallableStmt(nullptr);
-  OCICallableStmt other{
+  callableStmt other{
       .tag = 5, .text = nullptr, .hasReturn = 0, .returnParam = nullptr, .name = nullptr};
   ReleaseOCICallableStmt(&other);
   EXPECT_EQ(other.tag, 5u);
