@@ -128,6 +128,15 @@ constexpr KeyWord DCH_keywords[] = {
     {nullptr,  0, nullptr, -1,              kWords},
 };
 
+constexpr sb4 DCH_index[] = {
+     -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  // ' ' to '/'
+     -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  -1,  // '0' to '?'
+     -1,   0,   4,   6,   7,  16,  18,  -1,  20,  23,  28,  -1,  -1,  29,  -1,  -1,  // '@' to 'O'
+     36,  38,  39,  42,  47,  52,  -1,  53,  55,  56,  -1,  -1,  -1,  -1,  -1,  -1,  // 'P' to '_'
+     -1,  62,  66,  68,  69,  -1,  74,  -1,  75,  78,  83,  -1,  -1,  84,  -1,  -1,  // '`' to 'o'
+     89,  91,  92,  93,  -1,  95,  -1,  96,  -1,  98,  -1,  -1,  -1,  -1,  // 'p' to '}'
+};
+
 constexpr KeySuffix DCH_suff[] = {
     {"FM", 2, kFillMode,     kPrefix},
     {"fm", 2, kFillMode,     kPrefix},
@@ -179,17 +188,38 @@ constexpr bool identitiesAreRows() {
 }
 static_assert(identitiesAreRows());
 
-constexpr auto buildIndex() {
-  std::array<sb4, 94> index{};
+constexpr auto firstRows() {
+  std::array<sb4, std::size(DCH_index)> index{};
   index.fill(-1);
   for (sb4 i = kRows - 1; i >= 0; --i) index[DCH_keywords[i].name[0] - kFirstIndexed] = i;
   return index;
 }
-constexpr auto kIndex = buildIndex();
+constexpr auto kFirstRows = firstRows();
+static_assert(std::equal(std::begin(DCH_index), std::end(DCH_index), kFirstRows.begin()));
 
-template <std::size_t... I>
-struct IndexTable {
-  static constexpr sb4 rows[] = {kIndex[I]...};
-};
+/// Whether the `len` characters of a row stand at `text`. Ends at the text's NUL.
+template <class Row>
+bool standsAt(const char *text, const Row &row) {
+  return std::strncmp(text, row.name, static_cast<std::size_t>(row.len)) == 0;
+}
 
 }  // namespace
+
+extern "C" const KeyWord *index_seq_search(const char *text, const KeyWord *table) {
+  const char first = *text;
+  if (first <= kFirstIndexed || first > '}') return nullptr;
+  const sb4 start = DCH_index[first - kFirstIndexed];
+  if (start < 0) return nullptr;
+  for (const KeyWord *row = table + start; row->name && *row->name == first; ++row) {
+    if (standsAt(text, *row)) return row;
+  }
+  return nullptr;
+}
+
+extern "C" const KeySuffix *suff_search(const char *text, const KeySuffix *table,
+                                        sb4 type) {
+  for (const KeySuffix *row = table; row->name; ++row) {
+    if (row->type == type && standsAt(text, *row)) return row;
+  }
+  return nullptr;
+}

@@ -79,11 +79,11 @@ inline constexpr sb4 kElementLimit = 103;  ///< every Element is below it
 
 /// What stands around an element, one bit each.
 enum Suffix : sb4 {
-  kFillMode = 1,       ///< FM: no padding
-  kUpperOrdinal = 2,   ///< TH
-  kLowerOrdinal = 4,   ///< th
-  kSpelled = 8,        ///< SP: accepted, without effect
-  kTranslated = 16,    ///< TM: the localize_* names
+  kFillMode = 1,      ///< FM: no padding
+  kUpperOrdinal = 2,  ///< TH
+  kLowerOrdinal = 4,  ///< th
+  kSpelled = 8,       ///< SP: accepted, without effect
+  kTranslated = 16,   ///< TM: the localize_* names
   kOrdinal = kUpperOrdinal | kLowerOrdinal,
 };
 
