@@ -100,6 +100,11 @@ sb4 scanTime(const Scanning &s);
 /// left out. Adds records for contradictions, which it passes over.
 void settle(const TmFromChar &fields, OCIError *errhp, PGtm &tm, double &fsec);
 
+/// As do_to_timestamp for values without a zone: neither the local zone nor, where the
+/// text has a year, the clock is asked. `tm_isdst` and `tm_gmtoff` mean nothing.
+sb4 scanDateTime(OCIError *errhp, const char *text, const char *format, PGtm &tm,
+                 double &fsec, sb4 dateKind);
+
 /// An element's function.
 template <class Work>
 struct ElementRow {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 
 namespace {
@@ -197,10 +196,22 @@ constexpr auto firstRows() {
 constexpr auto kFirstRows = firstRows();
 static_assert(std::equal(std::begin(DCH_index), std::end(DCH_index), kFirstRows.begin()));
 
-/// Whether the `len` characters of a row stand at `text`. Ends at the text's NUL.
+constexpr bool suffixesBeginAsTheyMay() {
+  for (const KeySuffix *row = DCH_suff; row->name; ++row) {
+    if (!mayBeginSuffix(*row->name)) return false;
+  }
+  return true;
+}
+static_assert(suffixesBeginAsTheyMay());
+
+/// Whether the `len` characters of a row stand at `text`, which may end before. Names are
+/// too short for a call of the C library to pay.
 template <class Row>
 bool standsAt(const char *text, const Row &row) {
-  return std::strncmp(text, row.name, static_cast<std::size_t>(row.len)) == 0;
+  for (sb4 i = 0; i < row.len; ++i) {
+    if (text[i] != row.name[i]) return false;
+  }
+  return true;
 }
 
 }  // namespace

@@ -87,4 +87,9 @@ enum Suffix : sb4 {
   kOrdinal = kUpperOrdinal | kLowerOrdinal,
 };
 
+/// Whether a name of DCH_suff begins with `c`.
+constexpr bool mayBeginSuffix(char c) {
+  return c == 'F' || c == 'S' || c == 'T' || c == 'f' || c == 't';
+}
+
 }  // namespace zev::format

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "types/ocitimestamp/format_words.h"
 #include "zevoci/errors.h"
 
 extern "C" {
@@ -14,13 +15,12 @@ namespace zev::format {
 namespace {
 
 constexpr sb4 kPrefix = 1, kPostfix = 2;
-constexpr char kSeparators[] = "-/,._;:";
 
 /// A set of elements.
 class Elements {
  public:
   constexpr Elements(std::initializer_list<sb4> ids) {
-    for (const sb4 id : ids) bits_[id / 64] |= ub8{1} << id % 64;
+    for (const sb4 id : ids) add(id);
   }
   static constexpr Elements all() {
     Elements set = {};
@@ -31,6 +31,7 @@ class Elements {
     for (int i = 0; i < 2; ++i) other.bits_[i] |= bits_[i];
     return other;
   }
+  constexpr void add(sb4 id) { bits_[id / 64] |= ub8{1} << id % 64; }
   constexpr bool has(sb4 id) const { return bits_[id / 64] >> id % 64 & 1; }
 
  private:
@@ -43,7 +44,7 @@ constexpr Kinds kDate = 1 << kDateDescriptor;
 constexpr Kinds kTimestamp = 1 << kTimestampDescriptor;
 constexpr Kinds kAnyKind = ~0u;
 
-bool has(Kinds kinds, sb4 dateKind) {
+constexpr bool has(Kinds kinds, sb4 dateKind) {
   return kinds == kAnyKind || (kinds >> (dateKind & 31) & 1) != 0;
 }
 
@@ -120,13 +121,31 @@ sb4 conflictOf(sb4 current, const FormatNode &earlier, sb4 dateKind) {
   return 0;
 }
 
-sb4 classErrorOf(sb4 id, Direction direction, sb4 dateKind) {
-  for (const ClassTest &row : kClassTests) {
-    if (row.elements.has(id)) {
-      return (row.direction & direction) && has(row.refused, dateKind) ? row.error : 0;
+constexpr std::size_t kKinds = 8;  ///< columns by kind of value, unknown ones included
+
+/// The errors of kClassTests by direction, kind of value and element.
+struct ClassErrors {
+  constexpr ClassErrors() {
+    for (const ClassTest &row : kClassTests) {
+      for (const Direction direction : {kReading, kPrinting}) {
+        if (row.direction & direction) add(row, direction);
+      }
     }
   }
-  return 0;
+  constexpr void add(const ClassTest &row, Direction direction) {
+    for (sb4 kind = 0; kind < static_cast<sb4>(kKinds); ++kind) {
+      for (sb4 id = 0; id < kElementLimit; ++id) {
+        if (row.elements.has(id) && has(row.refused, kind))
+          error[direction - 1][kind][id] = static_cast<ub2>(row.error);
+      }
+    }
+  }
+  ub2 error[2][kKinds][kElementLimit] = {};
+};
+constexpr ClassErrors kClassErrors;
+
+sb4 classErrorOf(sb4 id, Direction direction, sb4 dateKind) {
+  return kClassErrors.error[direction - 1][dateKind & (kKinds - 1)][id];
 }
 
 /// A node of an expanded element: an element, or a character where that is set.
@@ -186,7 +205,7 @@ class Compiler {
   sb4 compileNext() {
     clear(*node_);
     const sb4 prefix = takeSuffix(kPrefix);
-    if (prefix == kFillMode) DCH_global_fm = !DCH_global_fm;
+    if (prefix == kFillMode) toggleFillMode();
     if (!*at_) return 0;
     const KeyWord *key = index_seq_search(at_, DCH_keywords);
     if (!key) {
@@ -200,16 +219,27 @@ class Compiler {
     node_->key = key;
     if (const sb4 error = classErrorOf(key->id, direction_, dateKind_))
       return fail(errhp_, error);
-    if (direction_ == kReading && DuplicateNodeExists(errhp_, first_, node_, dateKind_))
+    if (direction_ == kReading && mayConflict(key->id) &&
+        DuplicateNodeExists(errhp_, first_, node_, dateKind_)) {
       return -1;
+    }
     placeElement(key);
-    node_->suffix = prefix | takeSuffix(kPostfix) | (DCH_global_fm ? kFillMode : 0);
+    node_->suffix = prefix | takeSuffix(kPostfix) | fillMode_;
     ++node_;
     return 0;
   }
 
+  /// Whether the nodes must be looked at: most elements only conflict with themselves.
+  bool mayConflict(sb4 id) const { return kHaveConflicts.has(id) || seen_.has(id); }
+
+  void toggleFillMode() {
+    fillMode_ ^= kFillMode;
+    DCH_global_fm = fillMode_ != 0;
+  }
+
   /// Steps over a prefix or postfix and returns its bit, 0 for none.
   sb4 takeSuffix(sb4 type) {
+    if (!mayBeginSuffix(*at_)) return 0;
     const KeySuffix *found = suff_search(at_, DCH_suff, type);
     if (!found) return 0;
     at_ += found->len;
@@ -236,6 +266,7 @@ class Compiler {
         break;
     }
     node_->type = kElementNode;
+    seen_.add(key->id);
   }
 
   void expand(const KeyWord *key, const MacroNode *parts, std::size_t count) {
@@ -247,6 +278,7 @@ class Compiler {
       node.character = parts[i].character;
       node.suffix = parts[i].suffix;
       node.macroOrigin = key->id;
+      if (node.key) seen_.add(node.key->id);
     }
     node_ += count - 1;
   }
@@ -255,7 +287,7 @@ class Compiler {
     const bool behindLiteral = node_ > first_ && node_[-1].type == kLiteralNode;
     if (*at_ == '"') {
       compileLiteral();
-    } else if (behindLiteral && std::strchr(kSeparators, *at_)) {
+    } else if (behindLiteral && isSeparator(*at_)) {
       lengthenLiteral(*at_++);
     } else {
       node_->type = kCharacterNode;
@@ -302,6 +334,8 @@ class Compiler {
   OCIError *const errhp_;
   const Direction direction_;
   const sb4 dateKind_;
+  sb4 fillMode_ = 0;
+  Elements seen_ = {};
 };
 
 }  // namespace

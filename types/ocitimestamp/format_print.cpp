@@ -113,11 +113,18 @@ sb8 microseconds(const TmToChar &v) {
 
 using Number = sb8 (*)(const TmToChar &);
 
-/// A number with zeros in front up to `Width`, unless fill mode is on.
+/// A number with zeros in front up to `Width`, unless fill mode is on. Most have two
+/// digits and nothing around them.
 template <Number Value, int Width = 0>
 sb4 printNumber(const Printing &p) {
+  const sb8 value = Value(p.value);
+  if (Width == 2 && p.suffix == 0 && value >= 0 && value < 100) {
+    p.out[0] = static_cast<char>('0' + value / 10);
+    p.out[1] = static_cast<char>('0' + value % 10);
+    return 2;
+  }
   TextWriter out(p.out);
-  out.number(Value(p.value), widthOf(p, Width));
+  out.number(value, widthOf(p, Width));
   return endNumber(p, out);
 }
 

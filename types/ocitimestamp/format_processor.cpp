@@ -68,6 +68,7 @@ class Scanner {
         start_(text),
         at_(text),
         dateKind_(dateKind),
+        exact_(DCH_global_fx != 0),
         fields_(fields) {}
 
   /// 0, or -1 with a record.
@@ -83,7 +84,7 @@ class Scanner {
   sb4 scanNode() {
     if (node_->type == kElementNode) return scanElement();
     if (node_->type == kLiteralNode) return scanLiteral();
-    if (DCH_global_fx) return scanExactly();
+    if (exact_) return scanExactly();
     return isSpaceNode(*node_) ? scanSpace() : scanSeparator();
   }
 
@@ -99,7 +100,7 @@ class Scanner {
     const sb4 length = callAction(*node_, at_, false, dateKind_, fields_, errhp_);
     if (length < 0) return -1;
     // An element of fixed width may ask for more than is left.
-    at_ += strnlen(at_, static_cast<std::size_t>(length));
+    for (sb4 i = 0; i < length && *at_; ++i) ++at_;
     return 0;
   }
 
@@ -161,6 +162,7 @@ class Scanner {
   char *const start_;
   char *at_;
   const sb4 dateKind_;
+  const bool exact_;
   void *const fields_;
 };
 

@@ -21,17 +21,22 @@ sb4 saturated(sb8 value) {
                                  : static_cast<sb4>(value);
 }
 
+PGtm firstOfFebruary() {
+  PGtm tm{};
+  tm.tm_mday = 1;
+  tm.tm_mon = kFebruary;
+  return tm;
+}
+
 /// The date and time of a model that leaves everything out.
 PGtm defaults() {
-  PGtm tm{};
+  PGtm now{};
   sb4 tz = 0;
-  abstime2tm(GetCurrentAbsoluteTime(), &tz, &tm, nullptr);
-  PGtm start{};
-  start.tm_mday = 1;
-  start.tm_mon = kFebruary;
-  start.tm_year = tm.tm_year;
-  start.tm_isdst = tm.tm_isdst;
-  return start;
+  abstime2tm(GetCurrentAbsoluteTime(), &tz, &now, nullptr);
+  PGtm tm = firstOfFebruary();
+  tm.tm_year = now.tm_year;
+  tm.tm_isdst = now.tm_isdst;
+  return tm;
 }
 
 void settleClock(const TmFromChar &f, OCIError *errhp, PGtm &tm) {
@@ -112,14 +117,22 @@ std::int64_t zoneOffset(const TmFromChar &f) {
   return f.tzh < 0 || f.tzm < 0 ? -offset : offset;
 }
 
-/// Reads the text's elements. 0, or -1 with a record.
-sb4 scanFields(OCIError *errhp, const char *text, const char *format, sb4 dateKind,
-               TmFromChar &fields) {
+sb4 runModel(OCIError *errhp, const char *text, const char *format, sb4 dateKind,
+             TmFromChar &fields) {
   CompiledModel model(format);
   if (model.compile(errhp, false, dateKind) < 0) return -1;
   // Reading leaves the text as it is.
   char *const cursor = const_cast<char *>(text);
   return DCH_processor(errhp, model.nodes(), cursor, 0, dateKind, &fields) ? 0 : -1;
+}
+
+/// Reads the text's elements; an empty model has none. 0, or -1 with a record.
+sb4 scanFields(OCIError *errhp, const char *text, const char *format, sb4 dateKind,
+               TmFromChar &fields) {
+  const sb4 status = *format ? runModel(errhp, text, format, dateKind, fields) : 0;
+  DCH_global_fx = 0;
+  DCH_global_fm = 0;
+  return status;
 }
 
 }  // namespace
@@ -139,6 +152,16 @@ void settle(const TmFromChar &fields, OCIError *errhp, PGtm &tm, double &fsec) {
   if (fields.us) fsec += fields.us / 1e6;
 }
 
+sb4 scanDateTime(OCIError *errhp, const char *text, const char *format, PGtm &tm,
+                 double &fsec, sb4 dateKind) {
+  TmFromChar fields{};
+  if (scanFields(errhp, text, format, dateKind, fields) < 0) return -1;
+  tm = fields.year ? firstOfFebruary() : defaults();
+  fsec = fields.ff;
+  settle(fields, errhp, tm, fsec);
+  return 0;
+}
+
 }  // namespace zev::format
 
 using namespace zev::format;
@@ -148,10 +171,7 @@ extern "C" sb4 do_to_timestamp(OCIError *errhp, const char *text, const char *fo
   *tm = defaults();
   *fsec = 0;
   TmFromChar fields{};
-  const sb4 status = *format ? scanFields(errhp, text, format, dateKind, fields) : 0;
-  DCH_global_fx = 0;
-  DCH_global_fm = 0;
-  if (status < 0) return -1;
+  if (scanFields(errhp, text, format, dateKind, fields) < 0) return -1;
   *fsec = fields.ff;
   settle(fields, errhp, *tm, *fsec);
   if (hasTimeZoneInFormat(format) == 0) {
