@@ -196,6 +196,41 @@ constexpr auto firstRows() {
 constexpr auto kFirstRows = firstRows();
 static_assert(std::equal(std::begin(DCH_index), std::end(DCH_index), kFirstRows.begin()));
 
+/// The characters of a name as one number, and the bits that they take.
+struct PackedName {
+  ub8 bits;
+  ub8 mask;
+};
+constexpr sb4 kLongestMatch = 5;
+
+constexpr ub8 packed(const char *text, sb4 length) {
+  ub8 bits = 0;
+  for (sb4 i = 0; i < length && text[i]; ++i)
+    bits |= ub8{static_cast<ub1>(text[i])} << 8 * i;
+  return bits;
+}
+
+constexpr auto packedNames() {
+  std::array<PackedName, kRows> names{};
+  for (sb4 i = 0; i < kRows; ++i) {
+    const sb4 length = DCH_keywords[i].len;
+    names[i] = {packed(DCH_keywords[i].name, length), ~(~ub8{0} << 8 * length)};
+  }
+  return names;
+}
+constexpr auto kPackedNames = packedNames();
+
+constexpr bool namesFit() {
+  return std::all_of(DCH_keywords, DCH_keywords + kRows,
+                     [](const KeyWord &row) { return row.len <= kLongestMatch; });
+}
+static_assert(namesFit());
+
+/// The first row of a character, or -1.
+sb4 firstRow(char first) {
+  return first <= kFirstIndexed || first > '}' ? -1 : DCH_index[first - kFirstIndexed];
+}
+
 constexpr bool suffixesBeginAsTheyMay() {
   for (const KeySuffix *row = DCH_suff; row->name; ++row) {
     if (!mayBeginSuffix(*row->name)) return false;
@@ -216,12 +251,26 @@ bool standsAt(const char *text, const Row &row) {
 
 }  // namespace
 
-extern "C" const KeyWord *index_seq_search(const char *text, const KeyWord *table) {
-  const char first = *text;
-  if (first <= kFirstIndexed || first > '}') return nullptr;
-  const sb4 start = DCH_index[first - kFirstIndexed];
+namespace zev::format {
+
+const KeyWord *findElement(const char *text) {
+  const sb4 start = firstRow(*text);
   if (start < 0) return nullptr;
-  for (const KeyWord *row = table + start; row->name && *row->name == first; ++row) {
+  const ub8 bits = packed(text, kLongestMatch);
+  for (sb4 i = start;
+       i < kRows && static_cast<ub1>(kPackedNames[i].bits) == static_cast<ub1>(*text);
+       ++i) {
+    if ((bits & kPackedNames[i].mask) == kPackedNames[i].bits) return &DCH_keywords[i];
+  }
+  return nullptr;
+}
+
+}  // namespace zev::format
+
+extern "C" const KeyWord *index_seq_search(const char *text, const KeyWord *table) {
+  const sb4 start = firstRow(*text);
+  if (start < 0) return nullptr;
+  for (const KeyWord *row = table + start; row->name && *row->name == *text; ++row) {
     if (standsAt(text, *row)) return row;
   }
   return nullptr;

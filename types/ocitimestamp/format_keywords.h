@@ -87,6 +87,9 @@ enum Suffix : sb4 {
   kOrdinal = kUpperOrdinal | kLowerOrdinal,
 };
 
+/// As index_seq_search in DCH_keywords.
+const KeyWord *findElement(const char *text);
+
 /// Whether a name of DCH_suff begins with `c`.
 constexpr bool mayBeginSuffix(char c) {
   return c == 'F' || c == 'S' || c == 'T' || c == 'f' || c == 't';

@@ -207,7 +207,7 @@ class Compiler {
     const sb4 prefix = takeSuffix(kPrefix);
     if (prefix == kFillMode) toggleFillMode();
     if (!*at_) return 0;
-    const KeyWord *key = index_seq_search(at_, DCH_keywords);
+    const KeyWord *key = findElement(at_);
     if (!key) {
       compileText();
       return 0;

@@ -228,20 +228,25 @@ sb4 printShortDay(const Printing &p) {
   const char *name = localize_day(day) ? days_short[day] : nullptr;
   return printName<Form>(p, name, 0, 1846);
 }
+/// Where a month's names stand, -1 for a number that is none.
+sb4 monthIndex(const Printing &p) {
+  const sb4 month = p.value.tm.tm_mon;
+  return month >= 1 && month <= 12 ? month - 1 : -1;
+}
+
 template <Letters Form>
 sb4 printMonth(const Printing &p) {
-  return printName<Form>(p, localize_month_full(p.value.tm.tm_mon - 1), nameWidth(p),
-                         1843);
+  return printName<Form>(p, localize_month_full(monthIndex(p)), nameWidth(p), 1843);
 }
 template <Letters Form>
 sb4 printShortMonth(const Printing &p) {
-  return printName<Form>(p, localize_month(p.value.tm.tm_mon - 1), 0, 1843);
+  return printName<Form>(p, localize_month(monthIndex(p)), 0, 1843);
 }
 
 template <const auto &Numerals>
 sb4 printRoman(const Printing &p) {
-  const sb4 month = p.value.tm.tm_mon;
-  const char *numeral = month >= 1 && month <= 12 ? Numerals[12 - month] : nullptr;
+  const sb4 index = monthIndex(p);
+  const char *numeral = index >= 0 ? Numerals[11 - index] : nullptr;
   return printName<Letters::kAsIs>(p, numeral, widthOf(p, kRomanWidth), 1843);
 }
 

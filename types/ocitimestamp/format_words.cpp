@@ -68,11 +68,14 @@ const char *nameAt(const char *const (&table)[N], sb4 index) {
 }  // namespace
 
 ScannedNumber scanDigits(const char *text, sb4 most) {
+  constexpr sb4 kAlwaysFit = 9;
   constexpr sb8 kLargest = std::numeric_limits<sb4>::max();
   sb8 value = 0;
   sb4 n = 0;
-  for (; n < most && isDigit(text[n]); ++n)
-    value = std::min(value * 10 + (text[n] - '0'), kLargest);
+  for (; n < most && isDigit(text[n]); ++n) {
+    value = value * 10 + (text[n] - '0');
+    if (n >= kAlwaysFit) value = std::min(value, kLargest);
+  }
   return {static_cast<sb4>(value), n};
 }
 

@@ -74,6 +74,18 @@ TEST(Vocabulary, TheLongestMatchWins) {
   EXPECT_STREQ(index_seq_search("MO", DCH_keywords) ? "found" : "none", "none");
 }
 
+TEST(Vocabulary, BothWaysToFindAnElementAgree) {
+  std::mt19937_64 random = generator();
+  const char characters[] = "ABCDEFHIJMNOPQRSTUVWXYZabcdfhijmnopqrstuvwxyz.,124\xc3 ";
+  for (int i = 0; i < samples(100000, 10000000); ++i) {
+    std::string text = DCH_keywords[random() % kElementLimit].name;
+    text.resize(random() % (text.size() + 1));
+    while (random() % 2) text += characters[random() % (sizeof characters - 1)];
+    ASSERT_EQ(findElement(text.c_str()), index_seq_search(text.c_str(), DCH_keywords))
+        << text;
+  }
+}
+
 TEST(Vocabulary, CharactersOutsideTheIndexMatchNothing) {
   for (const char *text : {" ", "", "~", "\x7f", "\xc3\x84", "\x01", "}", "Z"})
     EXPECT_EQ(index_seq_search(text, DCH_keywords), nullptr);

@@ -323,7 +323,8 @@ TEST_F(Printed, DaysAndMonthsByName) {
 }
 
 TEST_F(Printed, ValuesWithoutAName) {
-  for (const sb4 month : {0, 13, -1, std::numeric_limits<sb4>::max()}) {
+  for (const sb4 month :
+       {0, 13, -1, std::numeric_limits<sb4>::max(), std::numeric_limits<sb4>::min()}) {
     TmToChar value = saturday();
     value.tm.tm_mon = month;
     for (const char *format : {"MONTH", "Mon", "RM", "rm"})
