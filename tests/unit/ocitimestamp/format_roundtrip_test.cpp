@@ -114,7 +114,23 @@ TEST_F(RandomModels, WhatIsPrintedIsReadBack) {
     const std::string text = print(format, original);
     ASSERT_EQ(shown(format, text), zevtest::trimmed(original.tm))
         << format << ": " << text;
+    PGtm tm{};
+    double fsec = 1;
+    ASSERT_EQ(
+        scanDateTime(records_.errhp, text.c_str(), format.c_str(), tm, fsec, kOCIDate),
+        0);
+    ASSERT_EQ(zevtest::trimmed(tm), zevtest::trimmed(original.tm));
+    ASSERT_EQ(fsec, 0);
   }
+}
+
+TEST_F(RandomModels, WithoutAYearBothReadersTakeThisYears) {
+  PGtm tm{};
+  double fsec = 0;
+  ASSERT_EQ(scanDateTime(records_.errhp, "05", "MM", tm, fsec, kOCIDate), 0);
+  EXPECT_EQ(zevtest::trimmed(tm), shown("MM", "05"));
+  EXPECT_EQ(scanDateTime(records_.errhp, "13", "MM", tm, fsec, kOCIDate), -1);
+  EXPECT_EQ(records_.take(), 1843);
 }
 
 TEST_F(RandomModels, NumbersOfFixedWidthNeedNoSeparators) {
