@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "types/ocitimestamp/system_time.h"
 #include "types/ocitimestamp/zone.h"
 
 namespace {
@@ -322,8 +323,7 @@ void abstime2tm(std::time_t time, sb4 *tz, PGtm *tm, char **zoneText) {
   constexpr std::size_t kZoneSize = 10;
   std::tm system{};
   if (tz) {
-    tzset();
-    localtime_r(&time, &system);
+    system = zev::systemLocalTime(time).value_or(system);
   } else {
     gmtime_r(&time, &system);
   }

@@ -4,9 +4,9 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <optional>
 #include <tuple>
+
+#include "types/ocitimestamp/system_time.h"
 
 namespace {
 
@@ -29,14 +29,6 @@ int64_t asUtc(const PGtm &tm) {
   return days * kSecondsPerDay + (int64_t{tm.tm_hour} * 60 + tm.tm_min) * 60 + tm.tm_sec;
 }
 
-/// What the C library shows at a moment; empty when it cannot.
-std::optional<std::tm> systemAt(int64_t time) {
-  const std::time_t at = time;
-  std::tm system{};
-  if (!localtime_r(&at, &system)) return std::nullopt;
-  return system;
-}
-
 int64_t secondsOf(const std::tm &system) {
   const int64_t days =
       int64_t{date2j(system.tm_year + 1900, system.tm_mon + 1, system.tm_mday)} -
@@ -57,7 +49,7 @@ sb4 estimateZone(PGtm &tm) {
   const int64_t local = asUtc(tm);
   int64_t delta = 0;
   for (int round = 0; round < 3; ++round) {
-    const auto system = systemAt(local + delta);
+    const auto system = zev::systemLocalTime(local + delta);
     if (!system) {
       tm.tm_isdst = 0;
       return 0;
@@ -149,7 +141,7 @@ sb4 DetermineLocalTimeZone(PGtm *tm) {
   std::tm system{};
   ConvertPGtmToSystm(tm, &system);
   system.tm_isdst = -1;
-  if (std::mktime(&system) != -1 && system.tm_isdst >= 0) {
+  if (zev::systemMakeTime(system) != -1 && system.tm_isdst >= 0) {
     tm->tm_isdst = system.tm_isdst;
     tm->tm_zone = system.tm_zone;
     tm->tm_gmtoff = system.tm_gmtoff;
