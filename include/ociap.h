@@ -321,6 +321,62 @@ sword OCITransRollback(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 /* Prepares the current transaction for commit under the XID of the transaction handle. */
 sword OCITransPrepare(OCISvcCtx *svchp, OCIError *errhp, ub4 flags);
 
+/* ---- Dates ----
+
+   OCIDate is computed on the client. A null argument is record 21560 with its number.
+   Languages are ignored: names are English. */
+
+/* The date num_days later, at midnight. */
+sword OCIDateAddDays(OCIError *err, const OCIDate *date, sb4 num_days, OCIDate *result);
+
+/* The date num_months later, with its time. The last day of a month stays the last day;
+   other days stay as they are, also where the month has none such. */
+sword OCIDateAddMonths(OCIError *err, const OCIDate *date, sb4 num_months,
+                       OCIDate *result);
+
+sword OCIDateAssign(OCIError *err, const OCIDate *from, OCIDate *to);
+
+/* Stores what is wrong with a date, as OCI_DATE_ bits; 0 for a good one. */
+sword OCIDateCheck(OCIError *err, const OCIDate *date, uword *valid);
+
+/* Stores -1, 0 or 1. Days behind the end of a shorter month before, such as the 31st of
+   March, compare as those of the month after. OCI_ERROR without a record for years that
+   are too early. */
+sword OCIDateCompare(OCIError *err, const OCIDate *date1, const OCIDate *date2,
+                     sword *result);
+
+/* Stores date1 less date2 in days, whatever their times. */
+sword OCIDateDaysBetween(OCIError *err, const OCIDate *date1, const OCIDate *date2,
+                         sb4 *num_days);
+
+/* Reads text by a format such as "DD-MON-YYYY HH24:MI:SS". What the format leaves out is
+   the present year, February, the first, midnight. Records: those of the format, 1839 for
+   a day that the month has not. */
+sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_length,
+                      const OraText *fmt, ub1 fmt_length, const OraText *lang_name,
+                      ub4 lang_length, OCIDate *date);
+
+/* The last day of the date's month, with its time. */
+sword OCIDateLastDay(OCIError *err, const OCIDate *date, OCIDate *last_day);
+
+/* The first day of that name behind the date, with its time. Record 1846 for a name that
+   does not begin with three letters of a day. */
+sword OCIDateNextDay(OCIError *err, const OCIDate *date, const OraText *day_p,
+                     ub4 day_length, OCIDate *next_day);
+
+/* Now, in local time. */
+sword OCIDateSysDate(OCIError *err, OCIDate *sys_date);
+
+/* Writes text by a format, cut to *buf_size bytes with its terminator. */
+sword OCIDateToText(OCIError *err, const OCIDate *date, const OraText *fmt,
+                    ub1 fmt_length, const OraText *lang_name, ub4 lang_length,
+                    ub4 *buf_size, OraText *buf);
+
+/* Not supported: OCI_ERROR. */
+sword OCIDateZoneToZone(OCIError *err, const OCIDate *date1, const OraText *zon1,
+                        ub4 zon1_length, const OraText *zon2, ub4 zon2_length,
+                        OCIDate *date2);
+
 /* ---- Not supported ----
 
    These exist so that programs load. A call of one writes a line that names it to the

@@ -29,6 +29,32 @@ typedef struct OCIDate {
   OCITime OCIDateTime;
 } OCIDate;
 
+/* The parts of an OCIDate, read into variables and set. */
+#define OCIDateGetTime(date, hour, min, sec) \
+  do {                                       \
+    *(hour) = (date)->OCIDateTime.OCITimeHH; \
+    *(min) = (date)->OCIDateTime.OCITimeMI;  \
+    *(sec) = (date)->OCIDateTime.OCITimeSS;  \
+  } while (0)
+#define OCIDateGetDate(date, year, month, day) \
+  do {                                         \
+    *(year) = (date)->OCIDateYYYY;             \
+    *(month) = (date)->OCIDateMM;              \
+    *(day) = (date)->OCIDateDD;                \
+  } while (0)
+#define OCIDateSetTime(date, hour, min, sec) \
+  do {                                       \
+    (date)->OCIDateTime.OCITimeHH = (hour);  \
+    (date)->OCIDateTime.OCITimeMI = (min);   \
+    (date)->OCIDateTime.OCITimeSS = (sec);   \
+  } while (0)
+#define OCIDateSetDate(date, year, month, day) \
+  do {                                         \
+    (date)->OCIDateYYYY = (year);              \
+    (date)->OCIDateMM = (month);               \
+    (date)->OCIDateDD = (day);                 \
+  } while (0)
+
 typedef struct OCIString OCIString; /* text of variable length */
 typedef struct OCIRaw OCIRaw;       /* bytes of variable length */
 typedef struct OCIColl OCIColl;     /* collection of either kind */

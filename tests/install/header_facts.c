@@ -1207,6 +1207,23 @@ FUNCTION(sword, OCIBindDynamic, (OCIBind *, OCIError *, void *, OCICallbackInBin
          void *, OCICallbackOutBind));
 FUNCTION(sword, OCIBreak, (void *, OCIError *));
 FUNCTION(void, OCIClientVersion, (sword *, sword *, sword *, sword *, sword *));
+FUNCTION(sword, OCIDateAddDays, (OCIError *, const OCIDate *, sb4, OCIDate *));
+FUNCTION(sword, OCIDateAddMonths, (OCIError *, const OCIDate *, sb4, OCIDate *));
+FUNCTION(sword, OCIDateAssign, (OCIError *, const OCIDate *, OCIDate *));
+FUNCTION(sword, OCIDateCheck, (OCIError *, const OCIDate *, uword *));
+FUNCTION(sword, OCIDateCompare, (OCIError *, const OCIDate *, const OCIDate *, sword *));
+FUNCTION(sword, OCIDateDaysBetween, (OCIError *, const OCIDate *, const OCIDate *, sb4
+         *));
+FUNCTION(sword, OCIDateFromText, (OCIError *, const OraText *, ub4, const OraText *, ub1,
+         const OraText *, ub4, OCIDate *));
+FUNCTION(sword, OCIDateLastDay, (OCIError *, const OCIDate *, OCIDate *));
+FUNCTION(sword, OCIDateNextDay, (OCIError *, const OCIDate *, const OraText *, ub4,
+         OCIDate *));
+FUNCTION(sword, OCIDateSysDate, (OCIError *, OCIDate *));
+FUNCTION(sword, OCIDateToText, (OCIError *, const OCIDate *, const OraText *, ub1, const
+         OraText *, ub4, ub4 *, OraText *));
+FUNCTION(sword, OCIDateZoneToZone, (OCIError *, const OCIDate *, const OraText *, ub4,
+         const OraText *, ub4, OCIDate *));
 FUNCTION(sword, OCIDefineArrayOfStruct, (OCIDefine *, OCIError *, ub4, ub4, ub4, ub4));
 FUNCTION(sword, OCIDefineByPos, (OCIStmt *, OCIDefine **, OCIError *, ub4, void *, sb4,
          ub2, void *, ub2 *, ub2 *, ub4));

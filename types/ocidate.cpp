@@ -1,0 +1,339 @@
+/// OCIDate on the client: arithmetic, comparison, checks and text.
+#include <ociap.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "types/ocitimestamp/datetime_compare.h"
+#include "types/ocitimestamp/format_execution.h"
+#include "zevoci/errors.h"
+#include "zevoci/trace.h"
+
+namespace {
+
+enum TraceLevel { kNarrative = 3, kArguments = 4 };
+
+/// An argument that must not be null, and the number that it is reported by.
+struct Argument {
+  const void *pointer;
+  const char *number;
+};
+
+/// What every function does around its work: `line`, if any, is traced.
+template <class Work>
+sword run(const char *line, OCIError *err, std::initializer_list<Argument> arguments,
+          const Work &work) {
+  if (!zev::asError(err)) return OCI_INVALID_HANDLE;
+  if (line) o2pTrace(kNarrative, line);
+  for (const auto &[pointer, number] : arguments) {
+    if (!pointer) return zev::failArgument(err, number);
+  }
+  try {
+    const sword status = work();
+    if (status == OCI_SUCCESS) o2pTrace(kArguments, "\tRETURNING %s\n");
+    return status;
+  } catch (const std::bad_alloc &) {
+    return zev::fail(err, 16506);
+  }
+}
+
+sword failAfresh(OCIError *err, sb4 code) {
+  ClearErrorHandle(err);
+  return zev::fail(err, code);
+}
+
+PGtm fieldsOf(const OCIDate &date) {
+  PGtm tm{};
+  DecodeOracleOCIDate(&date, &tm, 1);
+  return tm;
+}
+
+bool isMonth(sb4 month) {
+  return month >= 1 && month <= 12;
+}
+
+/// Days of a month; 31 for a month that is none.
+sb4 daysOf(sb4 year, sb4 month) {
+  return isMonth(month) ? day_tab[zev::isLeap(year)][month - 1] : 31;
+}
+
+sb4 julianOf(const OCIDate &date) {
+  return date2j(date.OCIDateYYYY, date.OCIDateMM, date.OCIDateDD);
+}
+
+/// Sums of days that wrap as 32-bit integers do.
+sb4 plus(sb4 julian, sb4 days) {
+  return static_cast<sb4>(static_cast<ub4>(julian) + static_cast<ub4>(days));
+}
+
+/// The only writer of a date, which leaves its filler byte alone.
+void SetOracleOCIDate(OCIDate *result, sb4 year, sb4 month, sb4 day, sb4 hour, sb4 minute,
+                      sb4 second) {
+  result->OCIDateYYYY = static_cast<sb2>(year);
+  result->OCIDateMM = static_cast<ub1>(month);
+  result->OCIDateDD = static_cast<ub1>(day);
+  result->OCIDateTime.OCITimeHH = static_cast<ub1>(hour);
+  result->OCIDateTime.OCITimeMI = static_cast<ub1>(minute);
+  result->OCIDateTime.OCITimeSS = static_cast<ub1>(second);
+}
+
+/// A date with the time of `from`.
+void setDate(OCIDate *result, const OCIDate &from, sb4 year, sb4 month, sb4 day) {
+  const OCITime &time = from.OCIDateTime;
+  SetOracleOCIDate(result, year, month, day, time.OCITimeHH, time.OCITimeMI,
+                   time.OCITimeSS);
+}
+
+/// Text of a given length with a terminator behind it. Short ones take no memory.
+class Terminated {
+ public:
+  Terminated(const OraText *text, std::size_t length) {
+    const auto *chars = reinterpret_cast<const char *>(text);
+    if (length >= sizeof short_) {
+      long_.assign(chars, length);
+    } else {
+      std::memcpy(short_, chars, length);
+      short_[length] = '\0';
+    }
+  }
+  const char *get() const { return long_.empty() ? short_ : long_.c_str(); }
+
+ private:
+  char short_[256];
+  std::string long_;
+};
+
+// --- Checks ---
+
+constexpr OCIDate dateOf(sb2 year, ub1 month, ub1 day, ub1 hour, ub1 minute, ub1 second) {
+  return {year, month, day, {hour, minute, second}};
+}
+
+/// Whether a date is one of those that the calendar of 1582 left out.
+bool isMissing(OCIError *err, const OCIDate &date) {
+  static constexpr OCIDate kFirst = dateOf(1582, 10, 5, 0, 0, 0);
+  static constexpr OCIDate kLast = dateOf(1582, 10, 14, 23, 59, 59);
+  sword afterFirst = 0, afterLast = 0;
+  return OCIDateCompare(err, &date, &kFirst, &afterFirst) == 0 &&
+         OCIDateCompare(err, &date, &kLast, &afterLast) == 0 && afterFirst >= 0 &&
+         afterLast <= 0;
+}
+
+uword VerifyDate(OCIError *err, const OCIDate &date) {
+  constexpr sb4 kFirstYear = -4712, kLastYear = 9999;
+  const sb4 year = date.OCIDateYYYY, month = date.OCIDateMM, day = date.OCIDateDD;
+  const OCITime &time = date.OCIDateTime;
+  const struct {
+    bool holds;
+    uword bits;
+  } findings[] = {
+      {day > daysOf(year, month), OCI_DATE_INVALID_DAY},
+      {day == 0, OCI_DATE_INVALID_DAY | OCI_DATE_DAY_BELOW_VALID},
+      {!isMonth(month), OCI_DATE_INVALID_MONTH},
+      {month == 0, OCI_DATE_MONTH_BELOW_VALID},
+      {year < kFirstYear || year > kLastYear, OCI_DATE_INVALID_YEAR},
+      {year < kFirstYear, OCI_DATE_YEAR_BELOW_VALID},
+      {time.OCITimeHH > 23, OCI_DATE_INVALID_HOUR},
+      {time.OCITimeMI > 59, OCI_DATE_INVALID_MINUTE},
+      {time.OCITimeSS > 59, OCI_DATE_INVALID_SECOND},
+      {year == 0, OCI_DATE_YEAR_ZERO},
+      {isMissing(err, date), OCI_DATE_DAY_MISSING_FROM_1582},
+  };
+  uword mask = 0;
+  for (const auto &[holds, bits] : findings) mask |= holds ? bits : 0;
+  return mask;
+}
+
+// --- Weekdays ---
+
+/// The day of a week by its name's first three letters, 0 for Sunday; -1 for none.
+sb4 getwday(std::string_view name) {
+  constexpr std::string_view kDays[] = {"SUN", "MON", "TUE", "WED", "THU", "FRI", "SAT"};
+  for (sb4 day = 0; day < 7; ++day) {
+    if (kDays[day] == name) return day;
+  }
+  return -1;
+}
+
+sb4 weekdayNamed(const OraText *name, ub4 length) {
+  if (length < 3) return -1;
+  char capitals[3];
+  for (int i = 0; i < 3; ++i) {
+    const char c = static_cast<char>(name[i]);
+    capitals[i] = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  }
+  return getwday({capitals, 3});
+}
+
+/// The day of the week of a date whose time may lead into days behind it.
+sb4 weekdayOf(const OCIDate &date) {
+  const OCITime &time = date.OCIDateTime;
+  const sb4 seconds = (time.OCITimeHH * 60 + time.OCITimeMI) * 60 + time.OCITimeSS;
+  return j2day(plus(julianOf(date), seconds / zev::kSecondsPerDay));
+}
+
+// --- Text ---
+
+bool isRegular(const PGtm &tm) {
+  return isMonth(tm.tm_mon) && tm.tm_mday >= 1 &&
+         tm.tm_mday <= daysOf(tm.tm_year, tm.tm_mon) && tm.tm_hour < 24 &&
+         tm.tm_min < 60 && tm.tm_sec < 60;
+}
+
+/// Completes a date by its days of the week and of the year. Fields beyond their ranges
+/// lead into the days behind. False for a date that no day number has.
+bool complete(PGtm &tm) {
+  if (!isRegular(tm)) {
+    Timestamp timestamp = 0;
+    double fsec = 0;
+    if (tm2timestamp(&tm, 0, nullptr, &timestamp) != 0 ||
+        timestamp2tm(timestamp, nullptr, &tm, &fsec, nullptr, nullptr) != 0)
+      return false;
+  }
+  const sb4 julian = date2j(tm.tm_year, tm.tm_mon, tm.tm_mday);
+  if (julian < 0) return false;
+  tm.tm_wday = j2day(julian);
+  tm.tm_yday = julian - date2j(tm.tm_year, 1, 1);
+  return true;
+}
+
+}  // namespace
+
+extern "C" {
+
+ZEV_API sword OCIDateAddDays(OCIError *err, const OCIDate *date, sb4 num_days,
+                             OCIDate *result) {
+  return run("OCIDateAddDays\n", err, {{date, "2"}, {result, "4"}}, [&] {
+    sb4 year = 0, month = 0, day = 0;
+    j2date(plus(julianOf(*date), num_days), &year, &month, &day);
+    SetOracleOCIDate(result, year, month, day, 0, 0, 0);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateAddMonths(OCIError *err, const OCIDate *date, sb4 num_months,
+                               OCIDate *result) {
+  return run("OCIDateAddMonths\n", err, {{date, "2"}, {result, "4"}}, [&] {
+    const sb8 months = sb8{date->OCIDateMM} + num_months;
+    sb8 year = date->OCIDateYYYY + months / 12;
+    auto month = static_cast<sb4>(months % 12);
+    if (month < 1) {
+      month += 12;
+      --year;
+    }
+    const auto targetYear = static_cast<sb4>(year);
+    const bool isLast = date->OCIDateDD == daysOf(date->OCIDateYYYY, date->OCIDateMM);
+    setDate(result, *date, targetYear, month,
+            isLast ? daysOf(targetYear, month) : date->OCIDateDD);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateAssign(OCIError *err, const OCIDate *from, OCIDate *to) {
+  return run("OCIDateAssign\n", err, {{from, "2"}, {to, "3"}}, [&] {
+    setDate(to, *from, from->OCIDateYYYY, from->OCIDateMM, from->OCIDateDD);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateCheck(OCIError *err, const OCIDate *date, uword *valid) {
+  return run("OCIDateCheck\n", err, {{date, "2"}, {valid, "3"}}, [&] {
+    *valid = VerifyDate(err, *date);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateCompare(OCIError *err, const OCIDate *date1, const OCIDate *date2,
+                             sword *result) {
+  return run("OCIDateCompare\n", err, {{date1, "2"}, {date2, "3"}, {result, "4"}},
+             [&] { return DateTimeCompare(date1, date2, SQLT_DATE, result); });
+}
+
+ZEV_API sword OCIDateDaysBetween(OCIError *err, const OCIDate *date1,
+                                 const OCIDate *date2, sb4 *num_days) {
+  return run("OCIDateDaysBetween\n", err, {{date1, "2"}, {date2, "3"}, {num_days, "4"}},
+             [&] {
+               *num_days = julianOf(*date1) - julianOf(*date2);
+               return OCI_SUCCESS;
+             });
+}
+
+ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_length,
+                              const OraText *fmt, ub1 fmt_length, const OraText *, ub4,
+                              OCIDate *date) {
+  return run(nullptr, err, {{date_str, "2"}, {fmt, "5"}, {date, "7"}}, [&] {
+    const Terminated text(date_str, d_str_length), format(fmt, fmt_length);
+    PGtm tm{};
+    double fsec = 0;
+    if (zev::format::scanDateTime(err, text.get(), format.get(), tm, fsec,
+                                  zev::format::kOCIDate) != 0)
+      return OCI_ERROR;
+    if (tm.tm_mday > daysOf(tm.tm_year, tm.tm_mon)) return failAfresh(err, 1839);
+    SetOracleOCIDate(date, tm.tm_year, tm.tm_mon, tm.tm_mday, tm.tm_hour, tm.tm_min,
+                     tm.tm_sec);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateLastDay(OCIError *err, const OCIDate *date, OCIDate *last_day) {
+  return run("Setting Piece Information\n", err, {{date, "2"}, {last_day, "3"}}, [&] {
+    const sb4 year = date->OCIDateYYYY, month = date->OCIDateMM;
+    setDate(last_day, *date, year, month, daysOf(year, month));
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateNextDay(OCIError *err, const OCIDate *date, const OraText *day_p,
+                             ub4 day_length, OCIDate *next_day) {
+  return run("OCIDateNextDay\n", err, {{date, "2"}, {day_p, "3"}, {next_day, "5"}}, [&] {
+    const sb4 target = weekdayNamed(day_p, day_length);
+    if (target < 0) return failAfresh(err, 1846);
+    sb4 days = target - weekdayOf(*date);
+    if (days < 1) days += 7;
+    sb4 year = 0, month = 0, day = 0;
+    j2date(plus(julianOf(*date), days), &year, &month, &day);
+    setDate(next_day, *date, year, month, day);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateSysDate(OCIError *err, OCIDate *sys_date) {
+  return run("OCIDateSysDate\n", err, {{sys_date, "2"}}, [&] {
+    PGtm now{};
+    sb4 tz = 0;
+    abstime2tm(GetCurrentAbsoluteTime(), &tz, &now, nullptr);
+    SetOracleOCIDate(sys_date, now.tm_year, now.tm_mon, now.tm_mday, now.tm_hour,
+                     now.tm_min, now.tm_sec);
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateToText(OCIError *err, const OCIDate *date, const OraText *fmt,
+                            ub1 fmt_length, const OraText *, ub4, ub4 *buf_size,
+                            OraText *buf) {
+  return run(nullptr, err, {{date, "2"}, {fmt, "3"}, {buf_size, "6"}, {buf, "7"}}, [&] {
+    const Terminated format(fmt, fmt_length);
+    TmToChar value{};
+    value.tm = fieldsOf(*date);
+    if (!complete(value.tm)) return failAfresh(err, 1841);
+    const zev::Malloced<> text(
+        datetime_to_char_body(err, &value, format.get(), zev::format::kOCIDate));
+    if (!text) return OCI_ERROR;
+    if (*buf_size == 0) return OCI_SUCCESS;
+    const std::size_t length = strnlen(text.get(), *buf_size - 1);
+    std::memcpy(buf, text.get(), length);
+    buf[length] = '\0';
+    return OCI_SUCCESS;
+  });
+}
+
+ZEV_API sword OCIDateZoneToZone(OCIError *, const OCIDate *, const OraText *, ub4,
+                                const OraText *, ub4, OCIDate *) {
+  o2pTrace(kNarrative, "OCIDateZoneToZone\n");
+  o2pTrace(kArguments, "\tRETURNING %s\n");
+  return OCI_ERROR;
+}
+
+}  // extern "C"
