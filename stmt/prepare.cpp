@@ -97,8 +97,7 @@ struct ReleaseBlock {
 
 /// Makes a statement the call that its block holds. False when it holds none.
 bool takeCallBlock(OCIStmt *stmt) {
-  const std::unique_ptr<callableStmt, ReleaseBlock> node(
-      zev::parseBlock(stmt->stmtText));
+  const std::unique_ptr<callableStmt, ReleaseBlock> node(zev::parseBlock(stmt->stmtText));
   if (!node) return false;
   stmt->isCallable = 1;
   stmt->hasReturn = node->hasReturn;
