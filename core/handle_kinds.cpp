@@ -7,6 +7,7 @@
 #include "zevoci/lob_locator.h"
 #include "zevoci/parameter.h"
 #include "zevoci/statement.h"
+#include "zevoci/threads.h"
 #include "zevoci/transaction.h"
 
 namespace zev {
@@ -50,6 +51,10 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READABLE(OCIDescribe)},
     {KIND(OCI_DTYPE_PARAM,   OCIParam),   READABLE(OCIParam)},
     {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadId),     nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadHandle), nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadMutex),  nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadKey),    nullptr, nullptr},
 };
 #undef READABLE
 #undef ATTRIBUTES
@@ -59,6 +64,7 @@ constexpr HandleKind kKinds[] = {
 }  // namespace
 
 const HandleKind *findHandleKind(ub4 type) {
+  if (type == kUnpublished) return nullptr;
   const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
                                   [type](const HandleKind &k) { return k.type == type; });
   return kind != std::end(kKinds) ? kind : nullptr;
