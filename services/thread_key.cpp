@@ -14,8 +14,9 @@ List *entriesOfThisThread() {
   return static_cast<List *>(pthread_getspecific(g_ThreadKeyDestructorListIndex));
 }
 
-void setEntries(List *entries) {
-  pthread_setspecific(g_ThreadKeyDestructorListIndex, entries);
+/// False when memory runs out, which only a thread's first list can meet.
+bool setEntries(List *entries) {
+  return pthread_setspecific(g_ThreadKeyDestructorListIndex, entries) == 0;
 }
 
 /// This thread's list, which it no longer has.
@@ -51,13 +52,13 @@ KeyDestructorEntry *findEntry(const List *entries, pthread_key_t key) {
 bool addFirstEntry(const KeyDestructorEntry &wanted) {
   auto *entry = static_cast<KeyDestructorEntry *>(std::malloc(sizeof wanted));
   List *entries = entry ? lappend(nullptr, entry) : nullptr;
-  if (!entries) {
+  if (!entries || !setEntries(entries)) {
+    list_free(entries);
     std::free(entry);
     return false;
   }
   *entry = wanted;
   keepUntilThreadEnds();
-  setEntries(entries);
   return true;
 }
 

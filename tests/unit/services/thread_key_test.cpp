@@ -115,6 +115,78 @@ TEST_F(Keys, AKeyWithoutADestructorLeavesTheOthersAlone) {
   EXPECT_EQ(destroyed, Destroyed{"a:1"});
 }
 
+/// What a thread does with its keys, one call after the other, and what it leaves to
+/// destructors: key and value in the order of the list.
+class KeyModel {
+ public:
+  void set(char key, char value) {
+    if (left_.empty()) {
+      if (value) left_.push_back({key, value});
+      return;
+    }
+    std::size_t at = 0;
+    while (at < left_.size() && left_[at].key != key) ++at;
+    if (at == left_.size()) --at;
+    if (value) {
+      left_[at] = {key, value};
+    } else {
+      left_.erase(left_.begin() + static_cast<long>(at));
+    }
+  }
+
+  Destroyed destroyed() const {
+    Destroyed all;
+    for (const Entry &entry : left_) all.push_back({entry.key, ':', entry.value});
+    return all;
+  }
+
+ private:
+  struct Entry {
+    char key, value;
+  };
+  std::vector<Entry> left_;
+};
+
+/// Calls of one thread: the digits of `sequence` name one key each, and whether it is
+/// given a value.
+struct KeyCalls {
+  Environment *env;
+  OCIThreadKey *keys[3];
+  int sequence;
+  KeyModel model;
+
+  static constexpr int kLength = 5;
+  static constexpr int kSequences = 6 * 6 * 6 * 6 * 6;
+
+  void run() {
+    static const char *const kValues[] = {"1", "2", "3", "4", "5"};
+    int rest = sequence;
+    for (int i = 0; i < kLength; ++i, rest /= 6) {
+      const int key = rest % 6 / 2;
+      const char *value = rest % 2 ? kValues[i] : nullptr;
+      OCIThreadKeySet(env->get(), env->errhp(), keys[key], const_cast<char *>(value));
+      model.set("abc"[key], value ? *value : '\0');
+    }
+  }
+};
+
+TEST_F(Keys, EverySequenceOfCallsLeavesToDestructorsWhatTheRulesSay) {
+  OCIThreadHandle *thread = makeHandle();
+  KeyCalls calls = {&env_,
+                    {makeKey(destroy<'a'>), makeKey(destroy<'b'>), makeKey(destroy<'c'>)},
+                    0,
+                    {}};
+  thread->proc = [](void *arg) { static_cast<KeyCalls *>(arg)->run(); };
+  thread->arg = &calls;
+  for (; calls.sequence < KeyCalls::kSequences; ++calls.sequence) {
+    destroyed.clear();
+    calls.model = {};
+    ThreadProc(thread);
+    ASSERT_EQ(destroyed, calls.model.destroyed()) << calls.sequence;
+    ASSERT_EQ(pthread_getspecific(g_ThreadKeyDestructorListIndex), nullptr);
+  }
+}
+
 TEST_F(Keys, ADestroyedKeyStillGivesItsValueToTheDestructor) {
   OCIThreadKey *key = makeKey(destroy<'a'>);
   auto work = [&] {
