@@ -38,14 +38,16 @@ class Threads : public testing::Test {
     EXPECT_EQ(codesOf(err()), Codes{code});
   }
 
-  /// Runs `work` in a thread of the library's and waits for its end.
+  /// Runs `work` in a thread of the library's and waits for its end. The test's error
+  /// handle is the thread's meanwhile.
   template <class Work>
   void runInThread(Work &work) {
     OCIThreadId *id = makeId();
     OCIThreadHandle *thread = makeHandle();
     const auto start = [](void *arg) { (*static_cast<Work *>(arg))(); };
-    ASSERT_EQ(OCIThreadCreate(hndl(), err(), start, &work, id, thread), OCI_SUCCESS);
-    EXPECT_EQ(OCIThreadJoin(hndl(), err(), thread), OCI_SUCCESS);
+    auto *waiting = env_.alloc<OCIError>(OCI_HTYPE_ERROR);
+    ASSERT_EQ(OCIThreadCreate(hndl(), waiting, start, &work, id, thread), OCI_SUCCESS);
+    EXPECT_EQ(OCIThreadJoin(hndl(), waiting, thread), OCI_SUCCESS);
     EXPECT_EQ(OCIThreadHndDestroy(hndl(), err(), &thread), OCI_SUCCESS);
     EXPECT_EQ(OCIThreadIdDestroy(hndl(), err(), &id), OCI_SUCCESS);
   }

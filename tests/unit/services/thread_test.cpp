@@ -78,12 +78,19 @@ class EveryThreadCall : public Threads, public testing::WithParamInterface<Call>
       case HANDLE_OCIThreadHandle:
         return makeHandle();
       case HANDLE_OCIThreadMutex:
-        return makeMutex();
+        return GetParam().name == std::string("MutexRelease") ? makeHeldMutex()
+                                                              : makeMutex();
       case HANDLE_OCIThreadKey:
         return makeKey();
       default:
         return nullptr;
     }
+  }
+
+  OCIThreadMutex *makeHeldMutex() {
+    OCIThreadMutex *mutex = makeMutex();
+    EXPECT_EQ(OCIThreadMutexAcquire(hndl(), err(), mutex), OCI_SUCCESS);
+    return mutex;
   }
 
   /// Nothing is recorded, and what was recorded stays.
