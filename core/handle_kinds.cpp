@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "zevoci/connection.h"
+#include "zevoci/datetime.h"
 #include "zevoci/lob_locator.h"
 #include "zevoci/parameter.h"
 #include "zevoci/statement.h"
@@ -17,6 +18,12 @@ namespace {
 template <auto Alloc>
 void *allocate() {
   return Alloc();
+}
+
+/// The same for a descriptor that knows which of several types it is of.
+template <auto Alloc, ub4 Type>
+void *allocateTyped() {
+  return Alloc(Type);
 }
 
 template <class T, void (*Free)(T *)>
@@ -38,6 +45,8 @@ sword write(void *handle, void *value, ub4 size, ub4 attribute, OCIError *errhp)
 #define KIND(type, T) type, HANDLE_##T, allocate<Alloc_##T>, release<T, Free_##T>
 #define ATTRIBUTES(T) read<T, Get_##T>, write<T, Set_##T>
 #define READABLE(T) read<T, Get_##T>, nullptr
+#define TYPED(type, T) \
+  {type, HANDLE_##T, allocateTyped<Alloc_##T, type>, release<T, Free_##T>, nullptr, nullptr}
 constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_ENV,     OCIEnv),     ATTRIBUTES(OCIEnv)},
     {KIND(OCI_HTYPE_ERROR,   OCIError),   nullptr, nullptr},
@@ -51,11 +60,18 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READABLE(OCIDescribe)},
     {KIND(OCI_DTYPE_PARAM,   OCIParam),   READABLE(OCIParam)},
     {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
+    TYPED(OCI_DTYPE_INTERVAL_YM,   OCIInterval),
+    TYPED(OCI_DTYPE_INTERVAL_DS,   OCIInterval),
+    TYPED(OCI_DTYPE_DATE,          OCIDateTime),
+    TYPED(OCI_DTYPE_TIMESTAMP,     OCIDateTime),
+    TYPED(OCI_DTYPE_TIMESTAMP_TZ,  OCIDateTime),
+    TYPED(OCI_DTYPE_TIMESTAMP_LTZ, OCIDateTime),
     {KIND(kUnpublished,      OCIThreadId),     nullptr, nullptr},
     {KIND(kUnpublished,      OCIThreadHandle), nullptr, nullptr},
     {KIND(kUnpublished,      OCIThreadMutex),  nullptr, nullptr},
     {KIND(kUnpublished,      OCIThreadKey),    nullptr, nullptr},
 };
+#undef TYPED
 #undef READABLE
 #undef ATTRIBUTES
 #undef KIND

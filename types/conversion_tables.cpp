@@ -1,7 +1,6 @@
 #include "types/conversion_tables.h"
 
 #include "types/converters.h"
-#include "types/converters_pending.h"
 #include "types/guarded_conversions.h"
 #include "types/server_types.h"
 

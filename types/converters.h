@@ -109,6 +109,30 @@ ZEV_HELPER FromServerFunction
     ConvertBYTEAOIDToSQLT_BIN, ConvertBYTEAOIDToSQLT_LBI, ConvertBYTEAOIDToSQLT_VBI,
     ConvertBYTEAOIDToSQLT_LVB;
 
+// Dates, times and intervals that are bound, SQLT_DAT and OCIDate by their bytes, the
+// others by the address of their descriptor; all go as text.
+ZEV_HELPER ToServerFunction
+    ConvertSQLT_DATToDATEOID,            ConvertSQLT_DATToTIMESTAMPOID,
+    ConvertSQLT_ODTToTIMESTAMPOID,       ConvertSQLT_DATEToTIMESTAMPOID,
+    ConvertSQLT_TIMESTAMPToTIMESTAMPOID, ConvertSQLT_TIMESTAMP_TZToTIMESTAMPTZOID,
+    ConvertSQLT_INTERVAL_DSToINTERVALOID;
+
+// Dates and times that are fetched as text, and into SQLT_DAT, OCIDate and the descriptor
+// whose address the target holds. A descriptor's length is 40. Words such as "infinity"
+// are record 1891 but where the target takes text.
+ZEV_HELPER FromServerFunction
+    ConvertDATEOIDToSQLT_CHR, ConvertDATEOIDToSQLT_STR, ConvertDATEOIDToSQLT_LNG,
+    ConvertDATEOIDToSQLT_VCS, ConvertDATEOIDToSQLT_LVC, ConvertDATEOIDToSQLT_AFC,
+    ConvertDATEOIDToSQLT_AVC, ConvertDATEOIDToSQLT_VST,
+    ConvertTIMESTAMPOIDToSQLT_DAT,       ConvertTIMESTAMPOIDToSQLT_ODT,
+    ConvertTIMESTAMPOIDToSQLT_DATE,      ConvertTIMESTAMPOIDToSQLT_TIMESTAMP,
+    ConvertTIMESTAMPOIDToSQLT_TIMESTAMP_TZ,
+    ConvertTIMESTAMPTZOIDToSQLT_TIMESTAMP_TZ,
+    ConvertTEXTOIDToSQLT_DAT,            ConvertTEXTOIDToSQLT_ODT,
+    ConvertTEXTOIDToSQLT_DATE,           ConvertTEXTOIDToSQLT_TIMESTAMP,
+    ConvertTEXTOIDToSQLT_TIMESTAMP_TZ,
+    ConvertINTERVALOIDToSQLT_INTERVAL_DS;
+
 // The OID of a large object into the locator whose address the target holds. Record 1733
 // for what is no locator.
 ZEV_HELPER FromServerFunction ConvertOIDOIDToSQLT_BLOB;

@@ -11,7 +11,6 @@
 
 #include "core/owned.h"
 #include "types/converters.h"
-#include "types/converters_pending.h"
 #include "types/fetch_rules.h"
 #include "types/number.h"
 

@@ -33,3 +33,13 @@ struct OCIIntervalBody {
 struct OCIInterval : OCIHandle {
   OCIIntervalBody *body;  ///< owned
 };
+
+extern "C" {
+/// A new descriptor of a published type, 65, 68, 69 or 70; and 62 or 63. Its value may be
+/// read at once. Null without memory.
+ZEV_HELPER OCIDateTime *Alloc_OCIDateTime(ub4 type);
+ZEV_HELPER OCIInterval *Alloc_OCIInterval(ub4 type);
+/// Free a descriptor with its body; anything else is left alone.
+ZEV_HELPER void Free_OCIDateTime(OCIDateTime *descriptor);
+ZEV_HELPER void Free_OCIInterval(OCIInterval *descriptor);
+}

@@ -6,6 +6,7 @@
 
 #include "types/server_types.h"
 #include "zevoci/conversion.h"
+#include "zevoci/datetime.h"
 #include "zevoci/errors.h"
 #include "zevoci/lob_locator.h"
 #include "zevoci/string_value.h"
@@ -27,8 +28,9 @@ enum Flag : std::uint8_t {
 constexpr Oid kOids[] = {17,   18,   20,   21,   23,    25,    26,
                          700,  701,  705,  1042, 1043,  1082,  1114,
                          1184, 1186, 1700, 1790, 12487, 12502, 99999};
-constexpr ub2 kTypes[] = {1,  2,  3,  4,  5,  6,  8,   9,   12,  15,  21,  22,  23,  24,
-                          68, 94, 95, 96, 97, 13, 113, 116, 155, 156, 184, 187, 188, 232};
+constexpr ub2 kTypes[] = {1,   2,   3,   4,   5,   6,   8,   9,   12,  15,
+                          21,  22,  23,  24,  68,  94,  95,  96,  97,  13,
+                          113, 116, 155, 156, 184, 187, 188, 189, 190, 232};
 
 OCIError *errorHandle(ub4 mode) {
   OCIEnv *env = nullptr;
@@ -43,6 +45,17 @@ std::size_t slackOf(ub2 dty) {
   return dty == SQLT_STR || dty == SQLT_AVC ? 1 : 0;
 }
 
+bool isDateTime(ub2 dty) {
+  return dty == SQLT_DATE || dty == SQLT_TIMESTAMP || dty == SQLT_TIMESTAMP_TZ ||
+         dty == SQLT_TIMESTAMP_LTZ;
+}
+bool isInterval(ub2 dty) {
+  return dty == SQLT_INTERVAL_YM || dty == SQLT_INTERVAL_DS;
+}
+bool isByAddress(ub2 dty) {
+  return dty == SQLT_VST || dty == SQLT_BLOB || isDateTime(dty) || isInterval(dty);
+}
+
 /// What a field is fetched into: bytes, or the address of something that holds them.
 class Target {
  public:
@@ -50,8 +63,12 @@ class Target {
       : bytes_(new char[cap + 1]), plain_(new char[cap + slackOf(dty)]) {
     string_ = {cap, 0, reinterpret_cast<OraText *>(bytes_.get())};
     locator_.reset(Alloc_OCILobLocator());
+    dateTime_.reset(Alloc_OCIDateTime(OCI_DTYPE_TIMESTAMP_TZ));
+    interval_.reset(Alloc_OCIInterval(OCI_DTYPE_INTERVAL_DS));
     pointer_ = &string_;
     if (dty == SQLT_BLOB) pointer_ = locator_.get();
+    if (isDateTime(dty)) pointer_ = dateTime_.get();
+    if (isInterval(dty)) pointer_ = interval_.get();
     if (dty != SQLT_RSET) return;
     OCIHandleAlloc(errhp->parenth, &statement_, OCI_HTYPE_STMT, 0, nullptr);
   }
@@ -63,17 +80,20 @@ class Target {
 
   void *address(ub2 dty) {
     if (dty == SQLT_RSET) return statement_;
-    return dty == SQLT_VST || dty == SQLT_BLOB ? &pointer_
-                                               : static_cast<void *>(plain_.get());
+    return isByAddress(dty) ? &pointer_ : static_cast<void *>(plain_.get());
   }
 
  private:
   struct Free {
     void operator()(OCILobLocator *locator) const { Free_OCILobLocator(locator); }
+    void operator()(OCIDateTime *value) const { Free_OCIDateTime(value); }
+    void operator()(OCIInterval *value) const { Free_OCIInterval(value); }
   };
   std::unique_ptr<char[]> bytes_;  // a string has room for a NUL behind its size
   std::unique_ptr<char[]> plain_;
   std::unique_ptr<OCILobLocator, Free> locator_;
+  std::unique_ptr<OCIDateTime, Free> dateTime_;
+  std::unique_ptr<OCIInterval, Free> interval_;
   OCIString string_;
   void *pointer_ = nullptr;
   void *statement_ = nullptr;
