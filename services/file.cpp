@@ -208,7 +208,8 @@ ZEV_API sword OCIFileOpen(void *hndl, OCIError *err, OCIFileObject **filep,
                       return zev::fail(err, kBadArgument);
                     }
                     return standard
-                               ? openStandard(err, *filep, type - OCI_FILE_STDIN)
+                               ? openStandard(err, *filep,
+                                              static_cast<sb4>(type - OCI_FILE_STDIN))
                                : openNamed(env, err, filep, filename, path, mode, create);
                   });
 }

@@ -13,7 +13,7 @@ OCIThreadMutex *Alloc_OCIThreadMutex() {
 void Free_OCIThreadMutex(OCIThreadMutex *mutex) {
   if (!zev::isThreadObject(mutex)) return;
   // A free one is taken first: the system does not define unlocking what is not locked.
-  pthread_mutex_trylock(&mutex->mutex);
+  static_cast<void>(pthread_mutex_trylock(&mutex->mutex));
   pthread_mutex_unlock(&mutex->mutex);
   pthread_mutex_destroy(&mutex->mutex);
   zev::freeHandle(mutex);
