@@ -1,7 +1,5 @@
 #include "core/env.h"
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
@@ -12,6 +10,7 @@
 #include "zevoci/encodings.h"
 #include "zevoci/errors.h"
 #include "zevoci/statement.h"
+#include "zevoci/threads.h"
 #include "zevoci/trace.h"
 
 namespace {
@@ -28,9 +27,6 @@ std::atomic<void *> O2PCustomMemoryContext{nullptr};
 std::atomic<void *(*)(void *, size_t)> O2PCustomMallocCallback{nullptr};
 std::atomic<void *(*)(void *, void *, size_t)> O2PCustomReallocCallback{nullptr};
 std::atomic<void (*)(void *, void *)> O2PCustomFreeCallback{nullptr};
-
-/// Key of the list of destructors that a thread runs at its end.
-pthread_key_t g_ThreadKeyDestructorListIndex = ~pthread_key_t{0};
 
 /// Modes that an environment keeps.
 constexpr ub4 kKeptModes = OCI_THREADED | OCI_OBJECT | OCI_EVENTS | OCI_NO_UCB |
@@ -68,6 +64,11 @@ void freeFirstChild(OCIEnv *env) {
   auto *child = static_cast<OCIHandle *>(env->children->head->data);
   if (OCIStmt *stmt = zev::asStmt(child)) stmt->fromPrepare2 = 0;
   const zev::HandleKind *kind = zev::findHandleKindByTag(child->handleType);
+  if (kind && kind->type == zev::kUnpublished) {
+    env->children = list_delete(env->children, child);
+    kind->free(child);
+    return;
+  }
   const bool freed = kind && (OCIHandleFree(child, kind->type) == OCI_SUCCESS ||
                               OCIDescriptorFree(child, kind->type) == OCI_SUCCESS);
   if (!freed) env->children = list_delete(env->children, child);
@@ -97,6 +98,8 @@ OCIEnv *zev::climbToEnv(const void *handle) {
 
 extern "C" {
 
+pthread_key_t g_ThreadKeyDestructorListIndex = zev::kNoThreadKey;
+
 OCIEnv *Alloc_OCIEnv() {
   auto *env = zev::allocHandle<OCIEnv>(HANDLE_OCIEnv);
   if (!env) return nullptr;
@@ -114,6 +117,7 @@ void Free_OCIEnv(OCIEnv *env) {
   while (env->children) freeFirstChild(env);
   list_free(env->sessionPools);
   zev::freeListAndMembers(env->spareList);
+  zev::freeListAndMembers(env->contextValues);
   FreeMemFromEnvCache(env);
   if (env->utf16) {
     iconv_close(env->toUtf8);

@@ -8,6 +8,7 @@
 #include "zevoci/lob_locator.h"
 #include "zevoci/parameter.h"
 #include "zevoci/statement.h"
+#include "zevoci/threads.h"
 #include "zevoci/transaction.h"
 
 namespace zev {
@@ -65,6 +66,10 @@ constexpr HandleKind kKinds[] = {
     TYPED(OCI_DTYPE_TIMESTAMP,     OCIDateTime),
     TYPED(OCI_DTYPE_TIMESTAMP_TZ,  OCIDateTime),
     TYPED(OCI_DTYPE_TIMESTAMP_LTZ, OCIDateTime),
+    {KIND(kUnpublished,      OCIThreadId),     nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadHandle), nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadMutex),  nullptr, nullptr},
+    {KIND(kUnpublished,      OCIThreadKey),    nullptr, nullptr},
 };
 #undef TYPED
 #undef READABLE
@@ -75,6 +80,7 @@ constexpr HandleKind kKinds[] = {
 }  // namespace
 
 const HandleKind *findHandleKind(ub4 type) {
+  if (type == kUnpublished) return nullptr;
   const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
                                   [type](const HandleKind &k) { return k.type == type; });
   return kind != std::end(kKinds) ? kind : nullptr;

@@ -13,9 +13,12 @@ using SetAttribute = sword (*)(void *handle, void *value, ub4 size, ub4 attribut
 /// Where a new handle is entered.
 enum class Registry { Children, Binds, Defines };
 
+/// The type of kinds that only functions of their own allocate and free.
+inline constexpr ub4 kUnpublished = 0;
+
 /// What the library knows about a published handle or descriptor type.
 struct HandleKind {
-  ub4 type;  ///< OCI_HTYPE_* or OCI_DTYPE_*
+  ub4 type;  ///< OCI_HTYPE_*, OCI_DTYPE_* or kUnpublished
   HandleTag tag;
   void *(*alloc)();
   void (*free)(void *handle);
@@ -24,7 +27,7 @@ struct HandleKind {
   Registry registry = Registry::Children;
 };
 
-/// The kind of a published type, or null.
+/// The kind of a published type, or null; never one that is kUnpublished.
 const HandleKind *findHandleKind(ub4 type);
 
 /// The kind whose handles carry `tag`, or null.

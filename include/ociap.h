@@ -377,6 +377,150 @@ sword OCIDateZoneToZone(OCIError *err, const OCIDate *date1, const OraText *zon1
                         ub4 zon1_length, const OraText *zon2, ub4 zon2_length,
                         OCIDate *date2);
 
+/* ---- Threads ----
+
+   hndl is the environment, or a session below it. Objects belong to that environment and
+   go with it at the latest; an environment must not make or destroy objects in two
+   threads at once. A null or wrong object is OCI_INVALID_HANDLE. */
+
+/* Nothing to do before the first thread. */
+void OCIThreadProcessInit(void);
+
+/* Always 1: the library may be used by several threads. */
+boolean OCIThreadIsMulti(void);
+
+/* OCIThreadInit marks the environment; OCIThreadTerm fails with 30135 without the mark,
+   which stays set. */
+sword OCIThreadInit(void *hndl, OCIError *err);
+sword OCIThreadTerm(void *hndl, OCIError *err);
+
+/* Make and destroy the identity of a thread, at first that of none. *tid is null after a
+   failure (16506: no memory) and once it is destroyed; so it is with the other objects.
+ */
+sword OCIThreadIdInit(void *hndl, OCIError *err, OCIThreadId **tid);
+sword OCIThreadIdDestroy(void *hndl, OCIError *err, OCIThreadId **tid);
+
+/* Give an identity that of another, of no thread, of the calling thread. */
+sword OCIThreadIdSet(void *hndl, OCIError *err, OCIThreadId *tidDest,
+                     OCIThreadId *tidSrc);
+sword OCIThreadIdSetNull(void *hndl, OCIError *err, OCIThreadId *tid);
+sword OCIThreadIdGet(void *hndl, OCIError *err, OCIThreadId *tid);
+
+/* Whether two identities are of the same thread, and whether one is of none: 1 or 0. */
+sword OCIThreadIdSame(void *hndl, OCIError *err, OCIThreadId *tid1, OCIThreadId *tid2,
+                      boolean *result);
+sword OCIThreadIdNull(void *hndl, OCIError *err, OCIThreadId *tid, boolean *result);
+
+/* Make and destroy the handle of a thread; destroying it does not touch the thread. */
+sword OCIThreadHndInit(void *hndl, OCIError *err, OCIThreadHandle **thnd);
+sword OCIThreadHndDestroy(void *hndl, OCIError *err, OCIThreadHandle **thnd);
+
+/* Starts a thread that runs start(arg) and then the destructors of the keys that it has
+   set; tid and tHnd become those of the thread. 30135 when the system makes no thread. */
+sword OCIThreadCreate(void *hndl, OCIError *err, void (*start)(void *), void *arg,
+                      OCIThreadId *tid, OCIThreadHandle *tHnd);
+
+/* Waits for the end of a thread, once. 30135 for a handle of no thread, of one that was
+   joined, and of the calling thread. */
+sword OCIThreadJoin(void *hndl, OCIError *err, OCIThreadHandle *tHnd);
+
+/* Marks a handle as no longer in use; the thread runs on. 30135 the second time. */
+sword OCIThreadClose(void *hndl, OCIError *err, OCIThreadHandle *tHnd);
+
+/* Makes tHnd the handle of the calling thread. */
+sword OCIThreadHandleGet(void *hndl, OCIError *err, OCIThreadHandle *tHnd);
+
+/* Make and destroy a mutex; one that is held is released first. 24320 when the system
+   makes no mutex. */
+sword OCIThreadMutexInit(void *hndl, OCIError *err, OCIThreadMutex **mutex);
+sword OCIThreadMutexDestroy(void *hndl, OCIError *err, OCIThreadMutex **mutex);
+
+/* Wait for a mutex, and release it. A thread that holds it must not wait for it. */
+sword OCIThreadMutexAcquire(void *hndl, OCIError *err, OCIThreadMutex *mutex);
+sword OCIThreadMutexRelease(void *hndl, OCIError *err, OCIThreadMutex *mutex);
+
+/* Make and destroy a key, under which each thread keeps a value of its own, at first
+   null. destFn, unless it is null, is given the value at the end of a thread made by
+   OCIThreadCreate; destroying the key runs nothing. 30135 when the system has no key
+   left. */
+sword OCIThreadKeyInit(void *hndl, OCIError *err, OCIThreadKey **key,
+                       OCIThreadKeyDestFunc destFn);
+sword OCIThreadKeyDestroy(void *hndl, OCIError *err, OCIThreadKey **key);
+
+/* The calling thread's value of a key. A thread that sets several keys with destructors
+   keeps the destructor of the one set last. */
+sword OCIThreadKeyGet(void *hndl, OCIError *err, OCIThreadKey *key, void **pValue);
+sword OCIThreadKeySet(void *hndl, OCIError *err, OCIThreadKey *key, void *value);
+
+/* ---- Files ----
+
+   hndl is the environment. A failure is recorded alone: 30162 before OCIFileInit, 30150
+   for a null or unknown argument, and by what the system says 30151 (the file exists),
+   30152 (it does not), 30156 (no space), 30157 (invalid), 30155 (anything else). */
+
+sword OCIFileInit(void *hndl, OCIError *err);
+sword OCIFileTerm(void *hndl, OCIError *err);
+
+/* Opens path/filename by the OCI_FILE_* numbers of mode, create and type; a new file may
+   be read and written by everybody whom the process's mask lets. *filep is a new object,
+   also after a failure of the system. For OCI_FILE_STDIN, OCI_FILE_STDOUT and
+   OCI_FILE_STDERR it must be an object already, and then stands for that stream; this
+   needs no OCIFileInit. */
+sword OCIFileOpen(void *hndl, OCIError *err, OCIFileObject **filep, OraText *filename,
+                  OraText *path, ub4 mode, ub4 create, ub4 type);
+
+/* Closes a file and frees its object; after a failure the object is still there. */
+sword OCIFileClose(void *hndl, OCIError *err, OCIFileObject *filep);
+
+/* Read or write at most count bytes; the counts tell how many it were, 0 at the end. */
+sword OCIFileRead(void *hndl, OCIError *err, OCIFileObject *filep, void *buf, ub4 count,
+                  ub4 *bytesread);
+sword OCIFileWrite(void *hndl, OCIError *err, OCIFileObject *filep, void *buf, ub4 count,
+                   ub4 *byteswritten);
+
+/* Waits until what was written is on the disk. */
+sword OCIFileFlush(void *hndl, OCIError *err, OCIFileObject *filep);
+
+/* Moves to offset bytes from origin in the direction dir. A failure of the system shows
+   only with an offset of 0. */
+sword OCIFileSeek(void *hndl, OCIError *err, OCIFileObject *filep, uword origin,
+                  ubig_ora offset, sb1 dir);
+
+/* Whether path/filename is there (1 or 0), and its size in bytes. */
+sword OCIFileExists(void *hndl, OCIError *err, OraText *filename, OraText *path,
+                    ub1 *flag);
+sword OCIFileGetLength(void *hndl, OCIError *err, OraText *filename, OraText *path,
+                       ubig_ora *lenp);
+
+/* ---- Memory and context values ---- */
+
+/* size bytes of zeroed memory, until OCIMemoryFree. dur must be OCI_DURATION_SESSION or
+   OCI_DURATION_STATEMENT, and ends nothing. OCI_ERROR records nothing. */
+sword OCIMemoryAlloc(void *hndl, OCIError *err, void **mem, OCIDuration dur, ub4 size,
+                     ub4 flags);
+
+/* Frees a block of OCIMemoryAlloc, or nothing. */
+sword OCIMemoryFree(void *hndl, OCIError *err, void *mem);
+
+/* Keeps a value with an environment or a session, until that is freed, under a key of 1
+   to 64 bytes; a terminator ends the key earlier. An older value of the key is covered.
+   OCI_ERROR for a bad key or a null value records nothing; 24316 for other handles. */
+sword OCIContextSetValue(void *hndl, OCIError *err, OCIDuration duration, ub1 *key,
+                         ub1 keylen, void *ctx_value);
+
+/* The value set last under a key; without one *ctx_value stays as it is. */
+sword OCIContextGetValue(void *hndl, OCIError *err, ub1 *key, ub1 keylen,
+                         void **ctx_value);
+
+/* ---- External procedures: there is no calling session ---- */
+
+/* Sets its results to null. */
+sword ociepgoe(OCIExtProcContext *with_context, OCIEnv **envh, OCISvcCtx **svch,
+               OCIError **errh);
+
+/* Always -1: no error can be raised. */
+size_t ocieperr(OCIExtProcContext *with_context, int errnum);
+
 /* ---- Not supported ----
 
    These exist so that programs load. A call of one writes a line that names it to the

@@ -646,7 +646,24 @@ VALUE(OCI_FETCH_RELATIVE, 0x40);
 VALUE(OCI_FETCH_RESERVED, 0x80);
 
 /* file */
+VALUE(OCI_FILE_BIN, 0);
+VALUE(OCI_FILE_CREATE, 1);
+VALUE(OCI_FILE_FORWARD, 1);
 VALUE(OCI_FILE_READONLY, 1);
+VALUE(OCI_FILE_READ_ONLY, 1);
+VALUE(OCI_FILE_SEEK_BEGINNING, 1);
+VALUE(OCI_FILE_TEXT, 1);
+VALUE(OCI_FILE_BACKWARD, 2);
+VALUE(OCI_FILE_EXCL, 2);
+VALUE(OCI_FILE_SEEK_CURRENT, 2);
+VALUE(OCI_FILE_STDIN, 2);
+VALUE(OCI_FILE_WRITE_ONLY, 2);
+VALUE(OCI_FILE_READ_WRITE, 3);
+VALUE(OCI_FILE_SEEK_END, 3);
+VALUE(OCI_FILE_STDOUT, 3);
+VALUE(OCI_FILE_STDERR, 4);
+VALUE(OCI_FILE_TRUNC, 4);
+VALUE(OCI_FILE_APPEND, 8);
 
 /* piece */
 VALUE(OCI_ONE_PIECE, 0);
@@ -1207,6 +1224,8 @@ FUNCTION(sword, OCIBindDynamic, (OCIBind *, OCIError *, void *, OCICallbackInBin
          void *, OCICallbackOutBind));
 FUNCTION(sword, OCIBreak, (void *, OCIError *));
 FUNCTION(void, OCIClientVersion, (sword *, sword *, sword *, sword *, sword *));
+FUNCTION(sword, OCIContextGetValue, (void *, OCIError *, ub1 *, ub1, void **));
+FUNCTION(sword, OCIContextSetValue, (void *, OCIError *, OCIDuration, ub1 *, ub1, void *));
 FUNCTION(sword, OCIDateAddDays, (OCIError *, const OCIDate *, sb4, OCIDate *));
 FUNCTION(sword, OCIDateAddMonths, (OCIError *, const OCIDate *, sb4, OCIDate *));
 FUNCTION(sword, OCIDateAssign, (OCIError *, const OCIDate *, OCIDate *));
@@ -1241,7 +1260,20 @@ FUNCTION(sword, OCIEnvInit, (OCIEnv **, ub4, size_t, void **));
 FUNCTION(sword, OCIEnvNlsCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
          void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **,
          ub2, ub2));
+FUNCTION(size_t, ocieperr, (OCIExtProcContext *, int));
+FUNCTION(sword, ociepgoe, (OCIExtProcContext *, OCIEnv **, OCISvcCtx **, OCIError **));
 FUNCTION(sword, OCIErrorGet, (void *, ub4, OraText *, sb4 *, OraText *, ub4, ub4));
+FUNCTION(sword, OCIFileClose, (void *, OCIError *, OCIFileObject *));
+FUNCTION(sword, OCIFileExists, (void *, OCIError *, OraText *, OraText *, ub1 *));
+FUNCTION(sword, OCIFileFlush, (void *, OCIError *, OCIFileObject *));
+FUNCTION(sword, OCIFileGetLength, (void *, OCIError *, OraText *, OraText *, ubig_ora *));
+FUNCTION(sword, OCIFileInit, (void *, OCIError *));
+FUNCTION(sword, OCIFileOpen, (void *, OCIError *, OCIFileObject **, OraText *, OraText *,
+         ub4, ub4, ub4));
+FUNCTION(sword, OCIFileRead, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
+FUNCTION(sword, OCIFileSeek, (void *, OCIError *, OCIFileObject *, uword, ubig_ora, sb1));
+FUNCTION(sword, OCIFileTerm, (void *, OCIError *));
+FUNCTION(sword, OCIFileWrite, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
 FUNCTION(sword, OCIHandleAlloc, (const void *, void **, ub4, size_t, void **));
 FUNCTION(sword, OCIHandleFree, (void *, ub4));
 FUNCTION(sword, OCIInitialize, (ub4, void *, void *(*)(void *, size_t),
@@ -1317,6 +1349,8 @@ FUNCTION(sword, OCILogon, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, 
          const OraText *, ub4, const OraText *, ub4));
 FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
          const OraText *, ub4, const OraText *, ub4, ub4));
+FUNCTION(sword, OCIMemoryAlloc, (void *, OCIError *, void **, OCIDuration, ub4, ub4));
+FUNCTION(sword, OCIMemoryFree, (void *, OCIError *, void *));
 FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
 FUNCTION(sword, OCIParamSet, (void *, ub4, OCIError *, const void *, ub4, ub4));
 FUNCTION(sword, OCIPasswordChange, (OCISvcCtx *, OCIError *, const OraText *, ub4, const
@@ -1346,6 +1380,34 @@ FUNCTION(sword, OCIStmtRelease, (OCIStmt *, OCIError *, const OraText *, ub4, ub
 FUNCTION(sword, OCIStmtSetPieceInfo, (void *, ub4, OCIError *, const void *, ub4 *, ub1,
          const void *, ub2 *));
 FUNCTION(sword, OCITerminate, (ub4));
+FUNCTION(sword, OCIThreadClose, (void *, OCIError *, OCIThreadHandle *));
+FUNCTION(sword, OCIThreadCreate, (void *, OCIError *, void (*)(void *), void *, OCIThreadId
+         *, OCIThreadHandle *));
+FUNCTION(sword, OCIThreadHandleGet, (void *, OCIError *, OCIThreadHandle *));
+FUNCTION(sword, OCIThreadHndDestroy, (void *, OCIError *, OCIThreadHandle **));
+FUNCTION(sword, OCIThreadHndInit, (void *, OCIError *, OCIThreadHandle **));
+FUNCTION(sword, OCIThreadIdDestroy, (void *, OCIError *, OCIThreadId **));
+FUNCTION(sword, OCIThreadIdGet, (void *, OCIError *, OCIThreadId *));
+FUNCTION(sword, OCIThreadIdInit, (void *, OCIError *, OCIThreadId **));
+FUNCTION(sword, OCIThreadIdNull, (void *, OCIError *, OCIThreadId *, boolean *));
+FUNCTION(sword, OCIThreadIdSame, (void *, OCIError *, OCIThreadId *, OCIThreadId *, boolean
+         *));
+FUNCTION(sword, OCIThreadIdSet, (void *, OCIError *, OCIThreadId *, OCIThreadId *));
+FUNCTION(sword, OCIThreadIdSetNull, (void *, OCIError *, OCIThreadId *));
+FUNCTION(sword, OCIThreadInit, (void *, OCIError *));
+FUNCTION(boolean, OCIThreadIsMulti, (void));
+FUNCTION(sword, OCIThreadJoin, (void *, OCIError *, OCIThreadHandle *));
+FUNCTION(sword, OCIThreadKeyDestroy, (void *, OCIError *, OCIThreadKey **));
+FUNCTION(sword, OCIThreadKeyGet, (void *, OCIError *, OCIThreadKey *, void **));
+FUNCTION(sword, OCIThreadKeyInit, (void *, OCIError *, OCIThreadKey **,
+         OCIThreadKeyDestFunc));
+FUNCTION(sword, OCIThreadKeySet, (void *, OCIError *, OCIThreadKey *, void *));
+FUNCTION(sword, OCIThreadMutexAcquire, (void *, OCIError *, OCIThreadMutex *));
+FUNCTION(sword, OCIThreadMutexDestroy, (void *, OCIError *, OCIThreadMutex **));
+FUNCTION(sword, OCIThreadMutexInit, (void *, OCIError *, OCIThreadMutex **));
+FUNCTION(sword, OCIThreadMutexRelease, (void *, OCIError *, OCIThreadMutex *));
+FUNCTION(void, OCIThreadProcessInit, (void));
+FUNCTION(sword, OCIThreadTerm, (void *, OCIError *));
 FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransRollback, (OCISvcCtx *, OCIError *, ub4));
