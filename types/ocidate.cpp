@@ -2,47 +2,13 @@
 #include <ociap.h>
 
 #include <cstring>
-#include <initializer_list>
-#include <string>
 #include <string_view>
 
+#include "types/ocitimestamp/date_call.h"
 #include "types/ocitimestamp/datetime_compare.h"
 #include "types/ocitimestamp/format_execution.h"
-#include "zevoci/errors.h"
-#include "zevoci/trace.h"
 
 namespace {
-
-enum TraceLevel { kNarrative = 3, kArguments = 4 };
-
-/// An argument that must not be null, and the number that it is reported by.
-struct Argument {
-  const void *pointer;
-  const char *number;
-};
-
-/// What every function does around its work: `line`, if any, is traced.
-template <class Work>
-sword run(const char *line, OCIError *err, std::initializer_list<Argument> arguments,
-          const Work &work) {
-  if (!zev::asError(err)) return OCI_INVALID_HANDLE;
-  if (line) o2pTrace(kNarrative, line);
-  for (const auto &[pointer, number] : arguments) {
-    if (!pointer) return zev::failArgument(err, number);
-  }
-  try {
-    const sword status = work();
-    if (status == OCI_SUCCESS) o2pTrace(kArguments, "\tRETURNING %s\n");
-    return status;
-  } catch (const std::bad_alloc &) {
-    return zev::fail(err, 16506);
-  }
-}
-
-sword failAfresh(OCIError *err, sb4 code) {
-  ClearErrorHandle(err);
-  return zev::fail(err, code);
-}
 
 PGtm fieldsOf(const OCIDate &date) {
   PGtm tm{};
@@ -86,25 +52,6 @@ void setDate(OCIDate *result, const OCIDate &from, sb4 year, sb4 month, sb4 day)
                    time.OCITimeSS);
 }
 
-/// Text of a given length with a terminator behind it. Short ones take no memory.
-class Terminated {
- public:
-  Terminated(const OraText *text, std::size_t length) {
-    const auto *chars = reinterpret_cast<const char *>(text);
-    if (length >= sizeof short_) {
-      long_.assign(chars, length);
-    } else {
-      std::memcpy(short_, chars, length);
-      short_[length] = '\0';
-    }
-  }
-  const char *get() const { return long_.empty() ? short_ : long_.c_str(); }
-
- private:
-  char short_[256];
-  std::string long_;
-};
-
 // --- Checks ---
 
 constexpr OCIDate dateOf(sb2 year, ub1 month, ub1 day, ub1 hour, ub1 minute, ub1 second) {
@@ -120,6 +67,8 @@ bool isMissing(OCIError *err, const OCIDate &date) {
          OCIDateCompare(err, &date, &kLast, &afterLast) == 0 && afterFirst >= 0 &&
          afterLast <= 0;
 }
+
+}  // namespace
 
 uword VerifyDate(OCIError *err, const OCIDate &date) {
   constexpr sb4 kFirstYear = -4712, kLastYear = 9999;
@@ -145,6 +94,8 @@ uword VerifyDate(OCIError *err, const OCIDate &date) {
   for (const auto &[holds, bits] : findings) mask |= holds ? bits : 0;
   return mask;
 }
+
+namespace {
 
 // --- Weekdays ---
 
@@ -205,7 +156,7 @@ extern "C" {
 
 ZEV_API sword OCIDateAddDays(OCIError *err, const OCIDate *date, sb4 num_days,
                              OCIDate *result) {
-  return run("OCIDateAddDays\n", err, {{date, "2"}, {result, "4"}}, [&] {
+  return zev::dates::run("OCIDateAddDays\n", err, {{date, "2"}, {result, "4"}}, [&] {
     sb4 year = 0, month = 0, day = 0;
     j2date(plus(julianOf(*date), num_days), &year, &month, &day);
     SetOracleOCIDate(result, year, month, day, 0, 0, 0);
@@ -215,7 +166,7 @@ ZEV_API sword OCIDateAddDays(OCIError *err, const OCIDate *date, sb4 num_days,
 
 ZEV_API sword OCIDateAddMonths(OCIError *err, const OCIDate *date, sb4 num_months,
                                OCIDate *result) {
-  return run("OCIDateAddMonths\n", err, {{date, "2"}, {result, "4"}}, [&] {
+  return zev::dates::run("OCIDateAddMonths\n", err, {{date, "2"}, {result, "4"}}, [&] {
     const sb8 months = sb8{date->OCIDateMM} + num_months;
     sb8 year = date->OCIDateYYYY + months / 12;
     auto month = static_cast<sb4>(months % 12);
@@ -232,14 +183,14 @@ ZEV_API sword OCIDateAddMonths(OCIError *err, const OCIDate *date, sb4 num_month
 }
 
 ZEV_API sword OCIDateAssign(OCIError *err, const OCIDate *from, OCIDate *to) {
-  return run("OCIDateAssign\n", err, {{from, "2"}, {to, "3"}}, [&] {
+  return zev::dates::run("OCIDateAssign\n", err, {{from, "2"}, {to, "3"}}, [&] {
     setDate(to, *from, from->OCIDateYYYY, from->OCIDateMM, from->OCIDateDD);
     return OCI_SUCCESS;
   });
 }
 
 ZEV_API sword OCIDateCheck(OCIError *err, const OCIDate *date, uword *valid) {
-  return run("OCIDateCheck\n", err, {{date, "2"}, {valid, "3"}}, [&] {
+  return zev::dates::run("OCIDateCheck\n", err, {{date, "2"}, {valid, "3"}}, [&] {
     *valid = VerifyDate(err, *date);
     return OCI_SUCCESS;
   });
@@ -247,30 +198,32 @@ ZEV_API sword OCIDateCheck(OCIError *err, const OCIDate *date, uword *valid) {
 
 ZEV_API sword OCIDateCompare(OCIError *err, const OCIDate *date1, const OCIDate *date2,
                              sword *result) {
-  return run("OCIDateCompare\n", err, {{date1, "2"}, {date2, "3"}, {result, "4"}},
-             [&] { return DateTimeCompare(date1, date2, SQLT_DATE, result); });
+  return zev::dates::run(
+      "OCIDateCompare\n", err, {{date1, "2"}, {date2, "3"}, {result, "4"}},
+      [&] { return DateTimeCompare(date1, date2, SQLT_DATE, result); });
 }
 
 ZEV_API sword OCIDateDaysBetween(OCIError *err, const OCIDate *date1,
                                  const OCIDate *date2, sb4 *num_days) {
-  return run("OCIDateDaysBetween\n", err, {{date1, "2"}, {date2, "3"}, {num_days, "4"}},
-             [&] {
-               *num_days = julianOf(*date1) - julianOf(*date2);
-               return OCI_SUCCESS;
-             });
+  return zev::dates::run("OCIDateDaysBetween\n", err,
+                         {{date1, "2"}, {date2, "3"}, {num_days, "4"}}, [&] {
+                           *num_days = julianOf(*date1) - julianOf(*date2);
+                           return OCI_SUCCESS;
+                         });
 }
 
 ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_length,
                               const OraText *fmt, ub1 fmt_length, const OraText *, ub4,
                               OCIDate *date) {
-  return run(nullptr, err, {{date_str, "2"}, {fmt, "5"}, {date, "7"}}, [&] {
-    const Terminated text(date_str, d_str_length), format(fmt, fmt_length);
+  return zev::dates::run(nullptr, err, {{date_str, "2"}, {fmt, "5"}, {date, "7"}}, [&] {
+    const zev::dates::Terminated text(date_str, d_str_length), format(fmt, fmt_length);
     PGtm tm{};
     double fsec = 0;
     if (zev::format::scanDateTime(err, text.get(), format.get(), tm, fsec,
                                   zev::format::kOCIDate) != 0)
       return OCI_ERROR;
-    if (tm.tm_mday > daysOf(tm.tm_year, tm.tm_mon)) return failAfresh(err, 1839);
+    if (tm.tm_mday > daysOf(tm.tm_year, tm.tm_mon))
+      return zev::dates::failAfresh(err, 1839);
     SetOracleOCIDate(date, tm.tm_year, tm.tm_mon, tm.tm_mday, tm.tm_hour, tm.tm_min,
                      tm.tm_sec);
     return OCI_SUCCESS;
@@ -278,29 +231,31 @@ ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_
 }
 
 ZEV_API sword OCIDateLastDay(OCIError *err, const OCIDate *date, OCIDate *last_day) {
-  return run("Setting Piece Information\n", err, {{date, "2"}, {last_day, "3"}}, [&] {
-    const sb4 year = date->OCIDateYYYY, month = date->OCIDateMM;
-    setDate(last_day, *date, year, month, daysOf(year, month));
-    return OCI_SUCCESS;
-  });
+  return zev::dates::run("Setting Piece Information\n", err,
+                         {{date, "2"}, {last_day, "3"}}, [&] {
+                           const sb4 year = date->OCIDateYYYY, month = date->OCIDateMM;
+                           setDate(last_day, *date, year, month, daysOf(year, month));
+                           return OCI_SUCCESS;
+                         });
 }
 
 ZEV_API sword OCIDateNextDay(OCIError *err, const OCIDate *date, const OraText *day_p,
                              ub4 day_length, OCIDate *next_day) {
-  return run("OCIDateNextDay\n", err, {{date, "2"}, {day_p, "3"}, {next_day, "5"}}, [&] {
-    const sb4 target = weekdayNamed(day_p, day_length);
-    if (target < 0) return failAfresh(err, 1846);
-    sb4 days = target - weekdayOf(*date);
-    if (days < 1) days += 7;
-    sb4 year = 0, month = 0, day = 0;
-    j2date(plus(julianOf(*date), days), &year, &month, &day);
-    setDate(next_day, *date, year, month, day);
-    return OCI_SUCCESS;
-  });
+  return zev::dates::run("OCIDateNextDay\n", err,
+                         {{date, "2"}, {day_p, "3"}, {next_day, "5"}}, [&] {
+                           const sb4 target = weekdayNamed(day_p, day_length);
+                           if (target < 0) return zev::dates::failAfresh(err, 1846);
+                           sb4 days = target - weekdayOf(*date);
+                           if (days < 1) days += 7;
+                           sb4 year = 0, month = 0, day = 0;
+                           j2date(plus(julianOf(*date), days), &year, &month, &day);
+                           setDate(next_day, *date, year, month, day);
+                           return OCI_SUCCESS;
+                         });
 }
 
 ZEV_API sword OCIDateSysDate(OCIError *err, OCIDate *sys_date) {
-  return run("OCIDateSysDate\n", err, {{sys_date, "2"}}, [&] {
+  return zev::dates::run("OCIDateSysDate\n", err, {{sys_date, "2"}}, [&] {
     PGtm now{};
     sb4 tz = 0;
     abstime2tm(GetCurrentAbsoluteTime(), &tz, &now, nullptr);
@@ -313,26 +268,27 @@ ZEV_API sword OCIDateSysDate(OCIError *err, OCIDate *sys_date) {
 ZEV_API sword OCIDateToText(OCIError *err, const OCIDate *date, const OraText *fmt,
                             ub1 fmt_length, const OraText *, ub4, ub4 *buf_size,
                             OraText *buf) {
-  return run(nullptr, err, {{date, "2"}, {fmt, "3"}, {buf_size, "6"}, {buf, "7"}}, [&] {
-    const Terminated format(fmt, fmt_length);
-    TmToChar value{};
-    value.tm = fieldsOf(*date);
-    if (!complete(value.tm)) return failAfresh(err, 1841);
-    const zev::Malloced<> text(
-        datetime_to_char_body(err, &value, format.get(), zev::format::kOCIDate));
-    if (!text) return OCI_ERROR;
-    if (*buf_size == 0) return OCI_SUCCESS;
-    const std::size_t length = strnlen(text.get(), *buf_size - 1);
-    std::memcpy(buf, text.get(), length);
-    buf[length] = '\0';
-    return OCI_SUCCESS;
-  });
+  return zev::dates::run(
+      nullptr, err, {{date, "2"}, {fmt, "3"}, {buf_size, "6"}, {buf, "7"}}, [&] {
+        const zev::dates::Terminated format(fmt, fmt_length);
+        TmToChar value{};
+        value.tm = fieldsOf(*date);
+        if (!complete(value.tm)) return zev::dates::failAfresh(err, 1841);
+        const zev::Malloced<> text(
+            datetime_to_char_body(err, &value, format.get(), zev::format::kOCIDate));
+        if (!text) return OCI_ERROR;
+        if (*buf_size == 0) return OCI_SUCCESS;
+        const std::size_t length = strnlen(text.get(), *buf_size - 1);
+        std::memcpy(buf, text.get(), length);
+        buf[length] = '\0';
+        return OCI_SUCCESS;
+      });
 }
 
 ZEV_API sword OCIDateZoneToZone(OCIError *, const OCIDate *, const OraText *, ub4,
                                 const OraText *, ub4, OCIDate *) {
-  o2pTrace(kNarrative, "OCIDateZoneToZone\n");
-  o2pTrace(kArguments, "\tRETURNING %s\n");
+  o2pTrace(zev::dates::kNarrative, "OCIDateZoneToZone\n");
+  o2pTrace(zev::dates::kArguments, "\tRETURNING %s\n");
   return OCI_ERROR;
 }
 

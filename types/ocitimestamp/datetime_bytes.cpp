@@ -105,6 +105,26 @@ void zev::setFraction(OCIDateTimeBody &body, ub4 count) {
   writeNative(body.fraction, swapBytes(count));
 }
 
+sb4 zev::zoneMinutesOf(const OCIDateTimeBody &body) {
+  return body.tzHour * 60 + (body.tzHour < 0 ? -body.tzMinute : body.tzMinute);
+}
+
+void zev::appendZoneText(OCIDateTimeBody &body, sb4 seconds) {
+  char text[sizeof body.tzText + 16] = {};
+  std::memcpy(text, body.tzText, strnlen(body.tzText, sizeof body.tzText - 1));
+  EncodeTimezone(text, seconds);
+  setZoneText(body, text);
+}
+
+void zev::writeZoneText(OCIDateTimeBody &body, sb1 hour, ub1 minute) {
+  char text[16];
+  TextWriter out(text);
+  out << (hour < 0 ? '-' : '+');
+  out.number(std::abs(hour), 2) << ':';
+  out.number(minute, 2).end();
+  setZoneText(body, text);
+}
+
 extern "C" {
 
 OCIDateTime *Alloc_OCIDateTime(ub4 type) {
@@ -205,8 +225,7 @@ Timestamp ConvertOCIDateTimeToTimestamp(const OCIDateTime *descriptor) {
   sb4 tz = 0;
   if (body.dateTimeType != OCI_DTYPE_TIMESTAMP_TZ) DetermineLocalTimeZone(&tm);
   if (body.dateTimeType == OCI_DTYPE_TIMESTAMP_LTZ) {
-    const int sign = body.tzHour < 0 ? -1 : body.tzHour > 0;
-    tz = static_cast<sb4>(tm.tm_gmtoff) - (body.tzHour * 60 + sign * body.tzMinute) * 60;
+    tz = static_cast<sb4>(tm.tm_gmtoff) - zev::zoneMinutesOf(body) * 60;
   }
   Timestamp timestamp = 0;
   tm2timestamp(&tm, zev::fractionOf(body), &tz, &timestamp);
@@ -226,10 +245,7 @@ sb4 ConvertOCIDateTimeFromTimestamp(OCIDateTime *descriptor, Timestamp timestamp
   const sb4 seconds = body.tzSeconds;
   body.tzHour = static_cast<sb1>(-(seconds / 3600));
   body.tzMinute = static_cast<ub1>(std::abs(sb8{seconds}) / 60 % 60);
-  char text[sizeof body.tzText + 16] = {};
-  std::memcpy(text, body.tzText, strnlen(body.tzText, sizeof body.tzText - 1));
-  EncodeTimezone(text, seconds);
-  setZoneText(body, text);
+  zev::appendZoneText(body, seconds);
   return 0;
 }
 

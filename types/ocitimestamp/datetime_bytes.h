@@ -21,6 +21,13 @@ inline OCIInterval *asInterval(const void *handle) {
 ub4 fractionOf(const OCIDateTimeBody &body);
 void setFraction(OCIDateTimeBody &body, ub4 count);
 
+/// The zone's displacement in minutes east of Greenwich.
+sb4 zoneMinutesOf(const OCIDateTimeBody &body);
+/// Writes "+hh:mm" as the zone's text.
+void writeZoneText(OCIDateTimeBody &body, sb1 hour, ub1 minute);
+/// Appends a displacement as EncodeTimezone does, as far as the text has room.
+void appendZoneText(OCIDateTimeBody &body, sb4 seconds);
+
 }  // namespace zev
 
 extern "C" {

@@ -1,0 +1,68 @@
+/// What the functions of dates and times do around their work, and share beside it.
+#pragma once
+
+#include <cstring>
+#include <initializer_list>
+#include <new>
+#include <string>
+
+#include "types/ocitimestamp/datetime_bytes.h"
+#include "zevoci/errors.h"
+#include "zevoci/trace.h"
+
+/// What is wrong with a date, as OCI_DATE_ bits.
+uword VerifyDate(OCIError *err, const OCIDate &date);
+
+namespace zev::dates {
+
+enum TraceLevel { kNarrative = 3, kArguments = 4 };
+
+/// An argument that must not be null, and the number that it is reported by.
+struct Argument {
+  const void *pointer;
+  const char *number;
+};
+
+/// What every function does around its work: `line`, if any, is traced.
+template <class Work>
+sword run(const char *line, OCIError *err, std::initializer_list<Argument> arguments,
+          const Work &work) {
+  if (!zev::asError(err)) return OCI_INVALID_HANDLE;
+  if (line) o2pTrace(kNarrative, line);
+  for (const auto &[pointer, number] : arguments) {
+    if (!pointer) return zev::failArgument(err, number);
+  }
+  try {
+    const sword status = work();
+    if (status == OCI_SUCCESS) o2pTrace(kArguments, "\tRETURNING %s\n");
+    return status;
+  } catch (const std::bad_alloc &) {
+    return zev::fail(err, 16506);
+  }
+}
+
+inline sword failAfresh(OCIError *err, sb4 code) {
+  ClearErrorHandle(err);
+  return zev::fail(err, code);
+}
+
+/// Text of a given length with a terminator behind it. Short ones take no memory.
+class Terminated {
+ public:
+  Terminated(const OraText *text, std::size_t length) {
+    const auto *chars = reinterpret_cast<const char *>(text);
+    if (length >= sizeof short_) {
+      long_.assign(chars, length);
+    } else {
+      std::memcpy(short_, chars, length);
+      short_[length] = '\0';
+    }
+  }
+  const char *get() const { return long_.empty() ? short_ : long_.c_str(); }
+
+ private:
+  char short_[256];
+  std::string long_;
+};
+
+}  // namespace zev::dates
