@@ -377,6 +377,91 @@ sword OCIDateZoneToZone(OCIError *err, const OCIDate *date1, const OraText *zon1
                         ub4 zon1_length, const OraText *zon2, ub4 zon2_length,
                         OCIDate *date2);
 
+/* ---- Dates and times in descriptors ----
+
+   hndl is the environment or the session. A null argument is record 21560 with its
+   number, a wrong descriptor OCI_INVALID_HANDLE, a descriptor without a value record
+   16384 where it is read. Languages are ignored: names are English. */
+
+/* Copies a value between descriptors of one type; record 932 for two types. */
+sword OCIDateTimeAssign(void *hndl, OCIError *err, const OCIDateTime *from,
+                        OCIDateTime *to);
+
+/* Stores what is wrong with a value, as OCI_DT_ bits; 0 for a good one. */
+sword OCIDateTimeCheck(void *hndl, OCIError *err, const OCIDateTime *date, ub4 *valid);
+
+/* Stores -1, 0 or 1. Record 1870 for two types. */
+sword OCIDateTimeCompare(void *hndl, OCIError *err, const OCIDateTime *date1,
+                         const OCIDateTime *date2, sword *result);
+
+/* Makes a value of the descriptor's type from its parts; timezone ends in a NUL, whatever
+   timezone_length is, and null means that of the local zone. The record's number tells
+   the part that is out of range. */
+sword OCIDateTimeConstruct(void *hndl, OCIError *err, OCIDateTime *datetime, sb2 year,
+                           ub1 month, ub1 day, ub1 hour, ub1 min, ub1 sec, ub4 fsec,
+                           OraText *timezone, size_t timezone_length);
+
+/* Stores the value of indate in outdate, as outdate's type. */
+sword OCIDateTimeConvert(void *hndl, OCIError *err, OCIDateTime *indate,
+                         OCIDateTime *outdate);
+
+/* Reads the bytes that OCIDateTimeToArray writes, as the external type that is given.
+   reftz must not be null. Record 1866 for a type that is none of dates. */
+sword OCIDateTimeFromArray(void *hndl, OCIError *err, const ub1 *inarray, ub4 len,
+                           ub1 type, OCIDateTime *datetime, const OCIInterval *reftz,
+                           ub1 fsprec);
+
+/* Reads text by a format, or by that of the descriptor's type where fmt is null. */
+sword OCIDateTimeFromText(void *hndl, OCIError *err, const OraText *date_str,
+                          size_t dstr_length, const OraText *fmt, ub1 fmt_length,
+                          const OraText *lang_name, size_t lang_length,
+                          OCIDateTime *datetime);
+
+sword OCIDateTimeGetDate(void *hndl, OCIError *err, const OCIDateTime *datetime,
+                         sb2 *year, ub1 *month, ub1 *day);
+
+/* Stores the time of day and its fraction; record 1878 and zeros for a plain date. */
+sword OCIDateTimeGetTime(void *hndl, OCIError *err, OCIDateTime *datetime, ub1 *hour,
+                         ub1 *min, ub1 *sec, ub4 *fsec);
+
+/* Writes the zone as "+HH:MM" and stores its length; *buflen comes in as 7 or more.
+   Record 1878 for a type without a zone. */
+sword OCIDateTimeGetTimeZoneName(void *hndl, OCIError *err, const OCIDateTime *datetime,
+                                 ub1 *buf, ub4 *buflen);
+
+/* Stores hour and minute of the zone. Record 1878 for a type without one. */
+sword OCIDateTimeGetTimeZoneOffset(void *hndl, OCIError *err, const OCIDateTime *datetime,
+                                   sb1 *hour, sb1 *min);
+
+/* Stores a value later by the interval; a day behind the end of its month is cut.
+   Records: 932 for values that were not set, 21560 for results out of range. */
+sword OCIDateTimeIntervalAdd(void *hndl, OCIError *err, OCIDateTime *datetime,
+                             OCIInterval *inter, OCIDateTime *outdatetime);
+
+/* The same with the interval negated, which stays so. */
+sword OCIDateTimeIntervalSub(void *hndl, OCIError *err, OCIDateTime *datetime,
+                             OCIInterval *inter, OCIDateTime *outdatetime);
+
+/* Stores indate1 less indate2 as days and time. */
+sword OCIDateTimeSubtract(void *hndl, OCIError *err, OCIDateTime *indate1,
+                          OCIDateTime *indate2, OCIInterval *inter);
+
+/* Now, in local time and whole seconds. */
+sword OCIDateTimeSysTimeStamp(void *hndl, OCIError *err, OCIDateTime *sys_date);
+
+/* Writes the value's bytes: 4 of a date, 7 with the time, 13 with fraction and zone, then
+   in UTC. *len comes in as the room; 1891 where it is too little. reftz must not be null.
+ */
+sword OCIDateTimeToArray(void *hndl, OCIError *err, const OCIDateTime *datetime,
+                         const OCIInterval *reftz, ub1 *outarray, ub4 *len, ub1 fsprec);
+
+/* Writes text by a format, or by that of the descriptor's type where fmt is null, cut to
+ *buf_size bytes with its terminator. *buf_size goes out as the length. */
+sword OCIDateTimeToText(void *hndl, OCIError *err, const OCIDateTime *date,
+                        const OraText *fmt, ub1 fmt_length, ub1 fsprec,
+                        const OraText *lang_name, size_t lang_length, ub4 *buf_size,
+                        OraText *buf);
+
 /* ---- Threads ----
 
    hndl is the environment, or a session below it. Objects belong to that environment and

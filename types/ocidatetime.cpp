@@ -220,7 +220,8 @@ sword localParts(const OCIDateTime *source, Parts &parts) {
   const sb4 current = GetCurrTimeZone(&hour, &minute);
   Timestamp timestamp = 0;
   double fsec = 0;
-  if (tm2timestamp(&tm, zev::rint(count / 1000.0) / 1e6, &displacement, &timestamp) != 0 ||
+  if (tm2timestamp(&tm, zev::rint(count / 1000.0) / 1e6, &displacement, &timestamp) !=
+          0 ||
       timestamp2tm(dt2local(timestamp, current), nullptr, &tm, &fsec, nullptr, nullptr) !=
           0)
     return OCI_ERROR;
@@ -271,8 +272,7 @@ sb4 addMonths(Timestamp &timestamp, sb4 months) {
     tm.tm_mon = static_cast<sb4>(month);
   }
   tm.tm_year = static_cast<sb4>(year);
-  tm.tm_mday =
-      std::min(tm.tm_mday, day_tab[zev::isLeap(tm.tm_year)][tm.tm_mon - 1]);
+  tm.tm_mday = std::min(tm.tm_mday, day_tab[zev::isLeap(tm.tm_year)][tm.tm_mon - 1]);
   return tm2timestamp(&tm, fsec, nullptr, &timestamp);
 }
 
@@ -318,57 +318,59 @@ ZEV_API sword OCIDateTimeAssign(void *hndl, OCIError *err, const OCIDateTime *fr
                                 OCIDateTime *to) {
   const auto *source = dateTimeOf(from);
   auto *target = dateTimeOf(to);
-  return call("OCIDateTimeAssign\n", err, {{hndl, "1"}, {from, "3"}, {to, "4"}},
-              [&] {
-                if (source->body->dateTimeType != target->body->dateTimeType)
-                  return zev::fail(err, 932);
-                *target->body = *source->body;
-                return OCI_SUCCESS;
-              },
-              source, target);
+  return call(
+      "OCIDateTimeAssign\n", err, {{hndl, "1"}, {from, "3"}, {to, "4"}},
+      [&] {
+        if (source->body->dateTimeType != target->body->dateTimeType)
+          return zev::fail(err, 932);
+        *target->body = *source->body;
+        return OCI_SUCCESS;
+      },
+      source, target);
 }
 
 ZEV_API sword OCIDateTimeCheck(void *, OCIError *err, const OCIDateTime *date,
                                ub4 *valid) {
   const auto *value = dateTimeOf(date);
-  return call("OCIDateTimeCheck\n", err, {{date, "3"}, {valid, "4"}},
-              [&] {
-                const OCIDateTimeBody &body = *value->body;
-                const bool isBadZone =
-                    hasZone(body) &&
-                    (body.tzHour < -12 || body.tzHour > 14 || body.tzMinute > 59);
-                *valid = VerifyDate(err, body.date) |
-                         (isBadZone ? OCI_DT_INVALID_TIMEZONE : 0u);
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeCheck\n", err, {{date, "3"}, {valid, "4"}},
+      [&] {
+        const OCIDateTimeBody &body = *value->body;
+        const bool isBadZone = hasZone(body) && (body.tzHour < -12 || body.tzHour > 14 ||
+                                                 body.tzMinute > 59);
+        *valid = VerifyDate(err, body.date) | (isBadZone ? OCI_DT_INVALID_TIMEZONE : 0u);
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeCompare(void *env, OCIError *err, const OCIDateTime *date1,
                                  const OCIDateTime *date2, sword *result) {
   if (!zev::asError(err) || !zev::asEnv(env)) return OCI_INVALID_HANDLE;
   const auto *first = dateTimeOf(date1), *second = dateTimeOf(date2);
-  return call("OCIDateTimeCompare\n", err, {{date1, "3"}, {date2, "4"}, {result, "5"}},
-              [&]() -> sword {
-                if (!isReadable(err, first) || !isReadable(err, second)) return OCI_ERROR;
-                const ub1 type = first->body->dateTimeType;
-                if (type != second->body->dateTimeType) return failWithText(err, 1870);
-                return DateTimeCompare(first, second, type, result);
-              },
-              first, second);
+  return call(
+      "OCIDateTimeCompare\n", err, {{date1, "3"}, {date2, "4"}, {result, "5"}},
+      [&]() -> sword {
+        if (!isReadable(err, first) || !isReadable(err, second)) return OCI_ERROR;
+        const ub1 type = first->body->dateTimeType;
+        if (type != second->body->dateTimeType) return failWithText(err, 1870);
+        return DateTimeCompare(first, second, type, result);
+      },
+      first, second);
 }
 
 ZEV_API sword OCIDateTimeConstruct(void *hndl, OCIError *err, OCIDateTime *datetime,
-                                   sb2 year, ub1 month, ub1 day, ub1 hour, ub1 min, ub1 sec,
-                                   ub4 fsec, OraText *timezone, size_t) {
+                                   sb2 year, ub1 month, ub1 day, ub1 hour, ub1 min,
+                                   ub1 sec, ub4 fsec, OraText *timezone, size_t) {
   auto *target = dateTimeOf(datetime);
-  return call("OCIDateTimeConstruct\n", err, {{hndl, "1"}, {datetime, "3"}},
-              [&] {
-                return zev::dates::construct(err, *target->body,
-                                             {year, month, day, hour, min, sec, fsec},
-                                             reinterpret_cast<const char *>(timezone));
-              },
-              target);
+  return call(
+      "OCIDateTimeConstruct\n", err, {{hndl, "1"}, {datetime, "3"}},
+      [&] {
+        return zev::dates::construct(err, *target->body,
+                                     {year, month, day, hour, min, sec, fsec},
+                                     reinterpret_cast<const char *>(timezone));
+      },
+      target);
 }
 
 ZEV_API sword OCIDateTimeConvert(void *env, OCIError *err, OCIDateTime *indate,
@@ -376,83 +378,84 @@ ZEV_API sword OCIDateTimeConvert(void *env, OCIError *err, OCIDateTime *indate,
   if (!zev::asError(err) || !zev::asEnv(env)) return OCI_INVALID_HANDLE;
   const auto *source = dateTimeOf(indate);
   auto *target = dateTimeOf(outdate);
-  return call("OCIDateTimeConvert\n", err, {{indate, "3"}, {outdate, "4"}},
-              [&]() -> sword {
-                if (!isReadable(err, source)) return OCI_ERROR;
-                Parts parts = convertedParts(*source->body);
-                if (isLocal(*source->body)) {
-                  if (const sword status = localParts(source, parts);
-                      status != OCI_SUCCESS)
-                    return status;
-                }
-                storeConverted(*source->body, parts, *target->body);
-                return OCI_SUCCESS;
-              },
-              source, target);
+  return call(
+      "OCIDateTimeConvert\n", err, {{indate, "3"}, {outdate, "4"}},
+      [&]() -> sword {
+        if (!isReadable(err, source)) return OCI_ERROR;
+        Parts parts = convertedParts(*source->body);
+        if (isLocal(*source->body)) {
+          if (const sword status = localParts(source, parts); status != OCI_SUCCESS)
+            return status;
+        }
+        storeConverted(*source->body, parts, *target->body);
+        return OCI_SUCCESS;
+      },
+      source, target);
 }
 
 ZEV_API sword OCIDateTimeFromArray(void *hndl, OCIError *err, const ub1 *inarray, ub4 len,
                                    ub1 type, OCIDateTime *datetime,
                                    const OCIInterval *reftz, ub1) {
   auto *target = dateTimeOf(datetime);
-  return call("OCIDateTimeFromArray\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {inarray, "5"}},
-              [&] {
-                if (!reftz) return failNoReference(err);
-                return zev::dates::fromArray(err, *target->body, inarray, len, type);
-              },
-              target);
+  return call(
+      "OCIDateTimeFromArray\n", err, {{hndl, "1"}, {datetime, "3"}, {inarray, "5"}},
+      [&] {
+        if (!reftz) return failNoReference(err);
+        return zev::dates::fromArray(err, *target->body, inarray, len, type);
+      },
+      target);
 }
 
 ZEV_API sword OCIDateTimeFromText(void *hndl, OCIError *err, const OraText *date_str,
                                   size_t dstr_length, const OraText *fmt, ub1 fmt_length,
                                   const OraText *, size_t, OCIDateTime *datetime) {
   auto *target = dateTimeOf(datetime);
-  return call("OCIDateTimeFromText\n", err,
-              {{hndl, "1"}, {date_str, "3"}, {datetime, "9"}},
-              [&] {
-                const zev::dates::Terminated text(date_str, dstr_length);
-                if (!fmt) {
-                  return readText(err, *target->body, text.get(),
-                                  formatOf(*target->body).toRead);
-                }
-                const zev::dates::Terminated format(fmt, fmt_length);
-                return readText(err, *target->body, text.get(), format.get());
-              },
-              target);
+  return call(
+      "OCIDateTimeFromText\n", err, {{hndl, "1"}, {date_str, "3"}, {datetime, "9"}},
+      [&] {
+        const zev::dates::Terminated text(date_str, dstr_length);
+        if (!fmt) {
+          return readText(err, *target->body, text.get(), formatOf(*target->body).toRead);
+        }
+        const zev::dates::Terminated format(fmt, fmt_length);
+        return readText(err, *target->body, text.get(), format.get());
+      },
+      target);
 }
 
 ZEV_API sword OCIDateTimeGetDate(void *hndl, OCIError *err, const OCIDateTime *datetime,
                                  sb2 *year, ub1 *month, ub1 *day) {
   const auto *value = dateTimeOf(datetime);
-  return call("OCIDateTimeGetDate\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {year, "4"}, {month, "5"}, {day, "6"}},
-              [&]() -> sword {
-                if (!isReadable(err, value)) return OCI_ERROR;
-                OCIDateGetDate(&value->body->date, year, month, day);
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeGetDate\n", err,
+      {{hndl, "1"}, {datetime, "3"}, {year, "4"}, {month, "5"}, {day, "6"}},
+      [&]() -> sword {
+        if (!isReadable(err, value)) return OCI_ERROR;
+        OCIDateGetDate(&value->body->date, year, month, day);
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeGetTime(void *hndl, OCIError *err, OCIDateTime *datetime,
                                  ub1 *hour, ub1 *min, ub1 *sec, ub4 *fsec) {
   const auto *value = dateTimeOf(datetime);
-  return call("OCIDateTimeGetTime\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {hour, "4"}, {min, "5"}, {sec, "6"}, {fsec, "7"}},
-              [&]() -> sword {
-                if (!isReadable(err, value)) return OCI_ERROR;
-                const OCIDateTimeBody &body = *value->body;
-                if (!hasTime(body)) {
-                  *hour = *min = *sec = 0;
-                  *fsec = 0;
-                  return failWithText(err, 1878);
-                }
-                OCIDateGetTime(&body.date, hour, min, sec);
-                *fsec = zev::fractionOf(body);
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeGetTime\n", err,
+      {{hndl, "1"}, {datetime, "3"}, {hour, "4"}, {min, "5"}, {sec, "6"}, {fsec, "7"}},
+      [&]() -> sword {
+        if (!isReadable(err, value)) return OCI_ERROR;
+        const OCIDateTimeBody &body = *value->body;
+        if (!hasTime(body)) {
+          *hour = *min = *sec = 0;
+          *fsec = 0;
+          return failWithText(err, 1878);
+        }
+        OCIDateGetTime(&body.date, hour, min, sec);
+        *fsec = zev::fractionOf(body);
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeGetTimeZoneName(void *hndl, OCIError *err,
@@ -460,48 +463,50 @@ ZEV_API sword OCIDateTimeGetTimeZoneName(void *hndl, OCIError *err,
                                          ub4 *buflen) {
   constexpr ub4 kRoom = 7;
   const auto *value = dateTimeOf(datetime);
-  return call("OCIDateTimeGetTimeZoneName\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {buf, "4"}, {buflen, "5"}},
-              [&]() -> sword {
-                if (*buflen < kRoom) return OCI_ERROR;
-                if (!isReadable(err, value)) return OCI_ERROR;
-                Zone zone;
-                if (!zoneOf(*value->body, zone)) return failWithText(err, 1878);
-                OCIDateTimeBody named{};
-                zev::writeZoneText(named, zone.hour, zone.minute);
-                *buflen = static_cast<ub4>(strnlen(named.tzText, kRoom - 1));
-                std::memcpy(buf, named.tzText, *buflen);
-                buf[*buflen] = '\0';
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeGetTimeZoneName\n", err,
+      {{hndl, "1"}, {datetime, "3"}, {buf, "4"}, {buflen, "5"}},
+      [&]() -> sword {
+        if (*buflen < kRoom) return OCI_ERROR;
+        if (!isReadable(err, value)) return OCI_ERROR;
+        Zone zone;
+        if (!zoneOf(*value->body, zone)) return failWithText(err, 1878);
+        OCIDateTimeBody named{};
+        zev::writeZoneText(named, zone.hour, zone.minute);
+        *buflen = static_cast<ub4>(strnlen(named.tzText, kRoom - 1));
+        std::memcpy(buf, named.tzText, *buflen);
+        buf[*buflen] = '\0';
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeGetTimeZoneOffset(void *hndl, OCIError *err,
                                            const OCIDateTime *datetime, sb1 *hour,
                                            sb1 *min) {
   const auto *value = dateTimeOf(datetime);
-  return call("OCIDateTimeGetTimeZoneOffset\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {hour, "4"}, {min, "5"}},
-              [&]() -> sword {
-                if (!isReadable(err, value)) return OCI_ERROR;
-                Zone zone;
-                if (!zoneOf(*value->body, zone)) return failWithText(err, 1878);
-                *hour = zone.hour;
-                *min = static_cast<sb1>(zone.minute);
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeGetTimeZoneOffset\n", err,
+      {{hndl, "1"}, {datetime, "3"}, {hour, "4"}, {min, "5"}},
+      [&]() -> sword {
+        if (!isReadable(err, value)) return OCI_ERROR;
+        Zone zone;
+        if (!zoneOf(*value->body, zone)) return failWithText(err, 1878);
+        *hour = zone.hour;
+        *min = static_cast<sb1>(zone.minute);
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeIntervalAdd(void *hndl, OCIError *err, OCIDateTime *datetime,
                                      OCIInterval *inter, OCIDateTime *outdatetime) {
   const auto *source = dateTimeOf(datetime);
   auto *target = dateTimeOf(outdatetime);
-  return call("OCIDateTimeIntervalAdd\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {outdatetime, "5"}},
-              [&] { return addInterval(err, source, zev::asInterval(inter), target); },
-              source, target);
+  return call(
+      "OCIDateTimeIntervalAdd\n", err, {{hndl, "1"}, {datetime, "3"}, {outdatetime, "5"}},
+      [&] { return addInterval(err, source, zev::asInterval(inter), target); }, source,
+      target);
 }
 
 ZEV_API sword OCIDateTimeIntervalSub(void *hndl, OCIError *err, OCIDateTime *datetime,
@@ -509,95 +514,97 @@ ZEV_API sword OCIDateTimeIntervalSub(void *hndl, OCIError *err, OCIDateTime *dat
   const auto *source = dateTimeOf(datetime);
   auto *target = dateTimeOf(outdatetime);
   auto *span = zev::asInterval(inter);
-  return call("OCIDateTimeIntervalSub\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {inter, "4"}, {outdatetime, "5"}},
-              [&]() -> sword {
-                if (!span->body->valid || !source->body->valid || !target->body->valid)
-                  return zev::fail(err, 932);
-                negate(span->body->interval);
-                return OCIDateTimeIntervalAdd(hndl, err, datetime, inter, outdatetime);
-              },
-              source, target, span);
+  return call(
+      "OCIDateTimeIntervalSub\n", err,
+      {{hndl, "1"}, {datetime, "3"}, {inter, "4"}, {outdatetime, "5"}},
+      [&]() -> sword {
+        if (!span->body->valid || !source->body->valid || !target->body->valid)
+          return zev::fail(err, 932);
+        negate(span->body->interval);
+        return OCIDateTimeIntervalAdd(hndl, err, datetime, inter, outdatetime);
+      },
+      source, target, span);
 }
 
 ZEV_API sword OCIDateTimeSubtract(void *, OCIError *err, OCIDateTime *indate1,
                                   OCIDateTime *indate2, OCIInterval *inter) {
   const auto *first = dateTimeOf(indate1), *second = dateTimeOf(indate2);
   auto *result = zev::asInterval(inter);
-  return call("OCIDateTimeSubtract\n", err,
-              {{indate1, "3"}, {indate2, "4"}, {inter, "5"}},
-              [&]() -> sword {
-                if (!isReadable(err, first) || !isReadable(err, second)) return OCI_ERROR;
-                interval_justify_interval(result,
-                                          ConvertOCIDateTimeToTimestamp(first) -
-                                              ConvertOCIDateTimeToTimestamp(second),
-                                          0, 0);
-                return OCI_SUCCESS;
-              },
-              first, second, result);
+  return call(
+      "OCIDateTimeSubtract\n", err, {{indate1, "3"}, {indate2, "4"}, {inter, "5"}},
+      [&]() -> sword {
+        if (!isReadable(err, first) || !isReadable(err, second)) return OCI_ERROR;
+        interval_justify_interval(
+            result,
+            ConvertOCIDateTimeToTimestamp(first) - ConvertOCIDateTimeToTimestamp(second),
+            0, 0);
+        return OCI_SUCCESS;
+      },
+      first, second, result);
 }
 
 ZEV_API sword OCIDateTimeSysTimeStamp(void *hndl, OCIError *err, OCIDateTime *sys_date) {
   auto *target = dateTimeOf(sys_date);
-  return call("OCIDateTimeSysTimeStamp\n", err, {{hndl, "1"}, {sys_date, "3"}},
-              [&] {
-                OCIDateTimeBody &body = *target->body;
-                PGtm now{};
-                sb4 tz = 0;
-                abstime2tm(GetCurrentAbsoluteTime(), &tz, &now, nullptr);
-                body.tzHour = 0;
-                body.tzMinute = 0;
-                body.date = {};
-                body.tzSeconds = DetermineLocalTimeZone(&now);
-                EncodeOracleOCIDate(&body.date, &now, hasTime(body));
-                if (hasZone(body)) {
-                  body.tzHour = static_cast<sb1>(-(body.tzSeconds / 3600));
-                  body.tzMinute = static_cast<ub1>(std::abs(body.tzSeconds) / 60 % 60);
-                  zev::appendZoneText(body, body.tzSeconds);
-                }
-                body.valid = 1;
-                return OCI_SUCCESS;
-              },
-              target);
+  return call(
+      "OCIDateTimeSysTimeStamp\n", err, {{hndl, "1"}, {sys_date, "3"}},
+      [&] {
+        OCIDateTimeBody &body = *target->body;
+        PGtm now{};
+        sb4 tz = 0;
+        abstime2tm(GetCurrentAbsoluteTime(), &tz, &now, nullptr);
+        body.tzHour = 0;
+        body.tzMinute = 0;
+        body.date = {};
+        body.tzSeconds = DetermineLocalTimeZone(&now);
+        EncodeOracleOCIDate(&body.date, &now, hasTime(body));
+        if (hasZone(body)) {
+          body.tzHour = static_cast<sb1>(-(body.tzSeconds / 3600));
+          body.tzMinute = static_cast<ub1>(std::abs(body.tzSeconds) / 60 % 60);
+          zev::appendZoneText(body, body.tzSeconds);
+        }
+        body.valid = 1;
+        return OCI_SUCCESS;
+      },
+      target);
 }
 
 ZEV_API sword OCIDateTimeToArray(void *hndl, OCIError *err, const OCIDateTime *datetime,
                                  const OCIInterval *reftz, ub1 *outarray, ub4 *len, ub1) {
   const auto *value = dateTimeOf(datetime);
-  return call("OCIDateTimeToArray\n", err,
-              {{hndl, "1"}, {datetime, "3"}, {outarray, "5"}},
-              [&]() -> sword {
-                if (!reftz) return failNoReference(err);
-                if (!len) return OCI_INVALID_HANDLE;
-                if (!isReadable(err, value)) return OCI_ERROR;
-                return zev::dates::toArray(err, *value->body, outarray, len);
-              },
-              value);
+  return call(
+      "OCIDateTimeToArray\n", err, {{hndl, "1"}, {datetime, "3"}, {outarray, "5"}},
+      [&]() -> sword {
+        if (!reftz) return failNoReference(err);
+        if (!len) return OCI_INVALID_HANDLE;
+        if (!isReadable(err, value)) return OCI_ERROR;
+        return zev::dates::toArray(err, *value->body, outarray, len);
+      },
+      value);
 }
 
 ZEV_API sword OCIDateTimeToText(void *, OCIError *err, const OCIDateTime *date,
                                 const OraText *fmt, ub1 fmt_length, ub1, const OraText *,
                                 size_t, ub4 *buf_size, OraText *buf) {
   const auto *value = dateTimeOf(date);
-  return call("OCIDateTimeToText\n", err, {{date, "2"}, {buf_size, "6"}, {buf, "7"}},
-              [&]() -> sword {
-                if (!isReadable(err, value)) return OCI_ERROR;
-                const Format known = formatOf(*value->body);
-                const zev::dates::Terminated given(fmt, fmt ? fmt_length : 0);
-                TmToChar printed{};
-                if (!fillPrinted(*value->body, printed))
-                  return zev::dates::failAfresh(err, 1841);
-                const zev::Malloced<> text(datetime_to_char_body(
-                    err, &printed, fmt ? given.get() : known.toPrint, known.dateKind));
-                if (!text) return OCI_ERROR;
-                if (*buf_size == 0) return OCI_SUCCESS;
-                const std::size_t length = strnlen(text.get(), *buf_size - 1);
-                std::memcpy(buf, text.get(), length);
-                buf[length] = '\0';
-                *buf_size = static_cast<ub4>(length);
-                return OCI_SUCCESS;
-              },
-              value);
+  return call(
+      "OCIDateTimeToText\n", err, {{date, "2"}, {buf_size, "6"}, {buf, "7"}},
+      [&]() -> sword {
+        if (!isReadable(err, value)) return OCI_ERROR;
+        const Format known = formatOf(*value->body);
+        const zev::dates::Terminated given(fmt, fmt ? fmt_length : 0);
+        TmToChar printed{};
+        if (!fillPrinted(*value->body, printed)) return zev::dates::failAfresh(err, 1841);
+        const zev::Malloced<> text(datetime_to_char_body(
+            err, &printed, fmt ? given.get() : known.toPrint, known.dateKind));
+        if (!text) return OCI_ERROR;
+        if (*buf_size == 0) return OCI_SUCCESS;
+        const std::size_t length = strnlen(text.get(), *buf_size - 1);
+        std::memcpy(buf, text.get(), length);
+        buf[length] = '\0';
+        *buf_size = static_cast<ub4>(length);
+        return OCI_SUCCESS;
+      },
+      value);
 }
 
 }  // extern "C"

@@ -1239,6 +1239,37 @@ FUNCTION(sword, OCIDateLastDay, (OCIError *, const OCIDate *, OCIDate *));
 FUNCTION(sword, OCIDateNextDay, (OCIError *, const OCIDate *, const OraText *, ub4,
          OCIDate *));
 FUNCTION(sword, OCIDateSysDate, (OCIError *, OCIDate *));
+FUNCTION(sword, OCIDateTimeAssign, (void *, OCIError *, const OCIDateTime *, OCIDateTime
+         *));
+FUNCTION(sword, OCIDateTimeCheck, (void *, OCIError *, const OCIDateTime *, ub4 *));
+FUNCTION(sword, OCIDateTimeCompare, (void *, OCIError *, const OCIDateTime *, const
+         OCIDateTime *, sword *));
+FUNCTION(sword, OCIDateTimeConstruct, (void *, OCIError *, OCIDateTime *, sb2, ub1, ub1,
+         ub1, ub1, ub1, ub4, OraText *, size_t));
+FUNCTION(sword, OCIDateTimeConvert, (void *, OCIError *, OCIDateTime *, OCIDateTime *));
+FUNCTION(sword, OCIDateTimeFromArray, (void *, OCIError *, const ub1 *, ub4, ub1,
+         OCIDateTime *, const OCIInterval *, ub1));
+FUNCTION(sword, OCIDateTimeFromText, (void *, OCIError *, const OraText *, size_t, const
+         OraText *, ub1, const OraText *, size_t, OCIDateTime *));
+FUNCTION(sword, OCIDateTimeGetDate, (void *, OCIError *, const OCIDateTime *, sb2 *, ub1
+         *, ub1 *));
+FUNCTION(sword, OCIDateTimeGetTime, (void *, OCIError *, OCIDateTime *, ub1 *, ub1 *,
+         ub1 *, ub4 *));
+FUNCTION(sword, OCIDateTimeGetTimeZoneName, (void *, OCIError *, const OCIDateTime *,
+         ub1 *, ub4 *));
+FUNCTION(sword, OCIDateTimeGetTimeZoneOffset, (void *, OCIError *, const OCIDateTime *,
+         sb1 *, sb1 *));
+FUNCTION(sword, OCIDateTimeIntervalAdd, (void *, OCIError *, OCIDateTime *, OCIInterval
+         *, OCIDateTime *));
+FUNCTION(sword, OCIDateTimeIntervalSub, (void *, OCIError *, OCIDateTime *, OCIInterval
+         *, OCIDateTime *));
+FUNCTION(sword, OCIDateTimeSubtract, (void *, OCIError *, OCIDateTime *, OCIDateTime *,
+         OCIInterval *));
+FUNCTION(sword, OCIDateTimeSysTimeStamp, (void *, OCIError *, OCIDateTime *));
+FUNCTION(sword, OCIDateTimeToArray, (void *, OCIError *, const OCIDateTime *, const
+         OCIInterval *, ub1 *, ub4 *, ub1));
+FUNCTION(sword, OCIDateTimeToText, (void *, OCIError *, const OCIDateTime *, const
+         OraText *, ub1, ub1, const OraText *, size_t, ub4 *, OraText *));
 FUNCTION(sword, OCIDateToText, (OCIError *, const OCIDate *, const OraText *, ub1, const
          OraText *, ub4, ub4 *, OraText *));
 FUNCTION(sword, OCIDateZoneToZone, (OCIError *, const OCIDate *, const OraText *, ub4,

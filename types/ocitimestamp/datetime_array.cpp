@@ -120,7 +120,12 @@ sword fromArray(OCIError *err, OCIDateTimeBody &body, const ub1 *bytes, ub4 leng
     return static_cast<ub1>(array.at(place, excess));
   };
   Parts parts{static_cast<sb2>(array.at(0, kYearExcess) * 100 + array.at(1, kYearExcess)),
-              byteAt(2, 0), byteAt(3, 0), 0, 0, 0, 0};
+              byteAt(2, 0),
+              byteAt(3, 0),
+              0,
+              0,
+              0,
+              0};
   body.date = {parts.year, parts.month, parts.day, {0, 0, 0}};
   if (descriptorType == OCI_DTYPE_DATE) return OCI_SUCCESS;
   parts.hour = byteAt(4, 1);
@@ -135,7 +140,8 @@ sword fromArray(OCIError *err, OCIDateTimeBody &body, const ub1 *bytes, ub4 leng
     body.tzHour = static_cast<sb1>(hour);
   }
   if (descriptorType != OCI_DTYPE_TIMESTAMP_TZ) return OCI_SUCCESS;
-  const int zoneHour = array.at(11, kHourExcess), zoneMinute = array.at(12, kMinuteExcess);
+  const int zoneHour = array.at(11, kHourExcess),
+            zoneMinute = array.at(12, kMinuteExcess);
   body.tzHour = static_cast<sb1>(zoneHour);
   body.tzMinute = static_cast<ub1>(std::abs(zoneMinute));
   parts.hour = static_cast<ub1>(parts.hour + zoneHour);

@@ -72,7 +72,8 @@ sword failYear(OCIError *err, sb2 year) {
 /// The first of the tests that fails, as a record.
 sword check(OCIError *err, const OCIDateTimeBody &body, const Parts &p) {
   const ub1 type = body.dateTimeType;
-  const bool isPlain = type == OCI_DTYPE_TIMESTAMP, isZoned = type == OCI_DTYPE_TIMESTAMP_TZ,
+  const bool isPlain = type == OCI_DTYPE_TIMESTAMP,
+             isZoned = type == OCI_DTYPE_TIMESTAMP_TZ,
              isLocal = type == OCI_DTYPE_TIMESTAMP_LTZ;
   const PartTest tests[] = {
       {p.year == 0 && p.month == 0 && p.day == 0, 8207},
@@ -134,7 +135,8 @@ sword construct(OCIError *err, OCIDateTimeBody &body, const Parts &parts,
   }
   if (hasZone) {
     ub1 second = 0;
-    if (DecodeTZ(timezone, &body.tzSeconds, &body.tzHour, &body.tzMinute, &second) == -5) {
+    if (DecodeTZ(timezone, &body.tzSeconds, &body.tzHour, &body.tzMinute, &second) ==
+        -5) {
       body.tzMinute = 0;
       return fail(err, 16384);
     }

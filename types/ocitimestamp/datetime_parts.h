@@ -22,8 +22,8 @@ sword construct(OCIError *err, OCIDateTimeBody &body, const Parts &parts,
                 const char *timezone);
 
 /// A value as bytes: SQLT_DAT's, then a count of fractions and the zone, of which the
-/// first seven are in UTC for a zoned value. `*length` comes in as the room and goes out as
-/// what was written. 0, or -1 with 1891 where there is too little.
+/// first seven are in UTC for a zoned value. `*length` comes in as the room and goes out
+/// as what was written. 0, or -1 with 1891 where there is too little.
 sword toArray(OCIError *err, const OCIDateTimeBody &body, ub1 *out, ub4 *length);
 
 /// A value of an external type from such bytes, as far as there are any. 0, or -1 with
