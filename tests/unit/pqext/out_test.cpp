@@ -1,5 +1,8 @@
 /// Calls with OUT parameters at the level of the client operations.
 #include <libpq-fe.h>
+#include <unistd.h>
+
+#include <string>
 
 #include "pqext/call.h"
 #include "tests/unit/pqext/pqext_fixture.h"
@@ -12,13 +15,15 @@ using Directions = std::vector<unsigned>;
 class OutTest : public PqextTest {
  protected:
   void SetUp() override {
-    run("CREATE SCHEMA IF NOT EXISTS out_test");
-    run("CREATE OR REPLACE PROCEDURE out_test.p(a int, OUT b int, INOUT c text)"
+    run("CREATE SCHEMA " + schema_);
+    run("SET search_path = " + schema_ + ", public");
+    run("CREATE PROCEDURE p(a int, OUT b int, INOUT c text)"
         " LANGUAGE plpgsql AS 'BEGIN b := a + 1; c := c || a; END'");
-    run("CREATE OR REPLACE FUNCTION out_test.f(a int) RETURNS refcursor LANGUAGE sql AS"
+    run("CREATE FUNCTION f(a int) RETURNS refcursor LANGUAGE sql AS"
         " 'SELECT ''named''::refcursor'");
-    run("SET search_path = out_test, public");
   }
+
+  void TearDown() override { run("DROP SCHEMA " + schema_ + " CASCADE"); }
 
   Result prepareCall(const std::string &query, const Directions &directions,
                      std::vector<Oid> types = {}) {
@@ -37,6 +42,9 @@ class OutTest : public PqextTest {
     EXPECT_EQ(PQextGetResult(conn()), nullptr);
     return main;
   }
+
+  /// One for each process: the tests run side by side in one database.
+  const std::string schema_ = "out_test_" + std::to_string(getpid());
 };
 
 TEST_F(OutTest, OutRowIsHandedOutOnce) {
@@ -83,7 +91,7 @@ TEST_F(OutTest, CallersDirectionsDecideOnTheColumns) {
 }
 
 TEST_F(OutTest, FunctionIsSelectedAndItsTypeIsTold) {
-  prepareCall("CALL out_test.f ( $1 );", {1});
+  prepareCall("CALL " + schema_ + ".f ( $1 );", {1});
   const Result main = call({"1"});
   EXPECT_EQ(PQresultStatus(main.get()), PGRES_TUPLES_OK);
   EXPECT_EQ(PQftype(main.get(), 0), 1790u);
