@@ -305,7 +305,6 @@ void negate(Interval &span) {
 }
 
 sword failNoReference(OCIError *err) {
-  if (!zev::asError(err)) return OCI_INVALID_HANDLE;
   zev::fail(err, 100);
   return OCI_INVALID_HANDLE;
 }

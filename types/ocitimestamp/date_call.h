@@ -54,7 +54,7 @@ class Terminated {
     if (length >= sizeof short_) {
       long_.assign(chars, length);
     } else {
-      std::memcpy(short_, chars, length);
+      if (length != 0) std::memcpy(short_, chars, length);
       short_[length] = '\0';
     }
   }
