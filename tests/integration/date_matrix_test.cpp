@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 
+#include "tests/integration/support/descriptor.h"
 #include "tests/integration/support/statement_fixture.h"
 
 namespace zev::test {
@@ -44,22 +45,6 @@ struct Column {
 };
 constexpr Column kColumns[] = {
     {"d", "date", false}, {"t", "timestamp", false}, {"z", "timestamptz", true}};
-
-class Descriptor {
- public:
-  Descriptor(OCIEnv *env, ub4 type) : type_(type) {
-    EXPECT_EQ(OCIDescriptorAlloc(env, &handle_, type, 0, nullptr), OCI_SUCCESS);
-  }
-  ~Descriptor() { EXPECT_EQ(OCIDescriptorFree(handle_, type_), OCI_SUCCESS); }
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  OCIDateTime *get() const { return static_cast<OCIDateTime *>(handle_); }
-  void **address() { return &handle_; }
-
- private:
-  void *handle_ = nullptr;
-  ub4 type_;
-};
 
 /// Whether a bound value of a type names its zone.
 bool isZoned(ub2 dty) {
@@ -241,17 +226,17 @@ TEST_P(DateMatrixTest, Descriptors) {
                  sb2 year = 0;
                  ub1 month = 0, day = 0, hour = 0, minute = 0, second = 0;
                  ub4 fraction = 0;
-                 ASSERT_EQ(
-                     OCIDateTimeGetDate(env(), errhp(), value.get(), &year, &month, &day),
-                     OCI_SUCCESS);
+                 ASSERT_EQ(OCIDateTimeGetDate(env(), errhp(), value.as<OCIDateTime>(),
+                                              &year, &month, &day),
+                           OCI_SUCCESS);
                  EXPECT_EQ(year, r.year);
                  EXPECT_EQ(month, r.month);
                  EXPECT_EQ(day, r.day);
                  if (isDate)
                    return expectStored(column, value.address(), sizeof(void *),
                                        target.dty, r.date());
-                 ASSERT_EQ(OCIDateTimeGetTime(env(), errhp(), value.get(), &hour, &minute,
-                                              &second, &fraction),
+                 ASSERT_EQ(OCIDateTimeGetTime(env(), errhp(), value.as<OCIDateTime>(),
+                                              &hour, &minute, &second, &fraction),
                            OCI_SUCCESS);
                  EXPECT_EQ(hour, r.hour);
                  EXPECT_EQ(minute, r.minute);
@@ -349,18 +334,15 @@ TEST_F(IntervalMatrixTest, RandomOnesInEveryStyleOfTheServer) {
             ") FROM generate_series(1, 20)");
         run(std::string("SET IntervalStyle = ") + style);
         for (sb4 n = 1; n <= 20; ++n) {
-          void *span = nullptr;
-          ASSERT_EQ(OCIDescriptorAlloc(env(), &span, OCI_DTYPE_INTERVAL_DS, 0, nullptr),
-                    OCI_SUCCESS);
+          Descriptor span(env(), OCI_DTYPE_INTERVAL_DS);
           Statement select =
               statement("SELECT i FROM spans WHERE n = " + std::to_string(n));
-          ASSERT_EQ(select.define(1, &span, sizeof span, dty), OCI_SUCCESS);
+          ASSERT_EQ(select.define(1, span.address(), sizeof(void *), dty), OCI_SUCCESS);
           ASSERT_EQ(select.execute(), OCI_SUCCESS) << errorText();
           Statement update = statement("UPDATE spans SET back = :i WHERE n = :n");
-          update.bind(":i", &span, sizeof span, dty);
+          update.bind(":i", span.address(), sizeof(void *), dty);
           update.bind(":n", n);
           ASSERT_EQ(update.execute(), OCI_SUCCESS) << errorText();
-          OCIDescriptorFree(span, OCI_DTYPE_INTERVAL_DS);
         }
         // The fraction of the seconds is not sent.
         EXPECT_EQ(
