@@ -708,6 +708,177 @@ sword OCIStmtGetPieceInfo(const OCIStmt *stmtp, OCIError *errhp, void **hndlpp,
 sword OCIStmtSetPieceInfo(void *hndlp, ub4 type, OCIError *errhp, const void *bufp,
                           ub4 *alenp, ub1 piece, const void *indp, ub2 *rcodep);
 
+/* ---- Numbers ----
+
+   Arithmetic on the client to 40 decimals and as many digits. A result may be one of the
+   operands. Bytes that are no number are OCI_ERROR without a record; a null argument is
+   record 21560. What has no result (a division by zero, the root of a negative number)
+   gives zero and a warning on standard error. */
+
+/* Number by one, up and down. */
+sword OCINumberInc(OCIError *err, OCINumber *number);
+sword OCINumberDec(OCIError *err, OCINumber *number);
+
+sword OCINumberAdd(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   OCINumber *result);
+sword OCINumberSub(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   OCINumber *result);
+sword OCINumberMul(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   OCINumber *result);
+sword OCINumberDiv(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   OCINumber *result);
+
+/* The remainder of the quotient that is cut to an integer. */
+sword OCINumberMod(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   OCINumber *result);
+
+/* Powers. */
+sword OCINumberIntPower(OCIError *err, const OCINumber *base, const sword exp,
+                        OCINumber *result);
+sword OCINumberPower(OCIError *err, const OCINumber *base, const OCINumber *number,
+                     OCINumber *result);
+
+/* Times ten to the power of nDig. */
+sword OCINumberShift(OCIError *err, const OCINumber *number, const sword nDig,
+                     OCINumber *result);
+
+sword OCINumberNeg(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberAbs(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberCeil(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberFloor(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberSqrt(OCIError *err, const OCINumber *number, OCINumber *result);
+
+/* Angles are in radians. */
+sword OCINumberSin(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberCos(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberTan(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberArcSin(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberArcCos(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberArcTan(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberArcTan2(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                       OCINumber *result);
+sword OCINumberHypSin(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberHypCos(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberHypTan(OCIError *err, const OCINumber *number, OCINumber *result);
+
+sword OCINumberExp(OCIError *err, const OCINumber *number, OCINumber *result);
+sword OCINumberLn(OCIError *err, const OCINumber *number, OCINumber *result);
+
+/* The logarithm of number to a base. */
+sword OCINumberLog(OCIError *err, const OCINumber *base, const OCINumber *number,
+                   OCINumber *result);
+
+/* Rounds to nDigs digits; to none gives zero and OCI_ERROR. */
+sword OCINumberPrec(OCIError *err, const OCINumber *number, eword nDigs,
+                    OCINumber *result);
+
+/* Rounds to decplace decimals, 0 to 37; with 38 result stays as it was. Records: 3001 for
+   fewer, 1426 for more. */
+sword OCINumberRound(OCIError *err, const OCINumber *number, sword decplace,
+                     OCINumber *result);
+
+/* Cuts to decplace decimals, or to tens and so on where it is negative. */
+sword OCINumberTrunc(OCIError *err, const OCINumber *number, sword decplace,
+                     OCINumber *result);
+
+void OCINumberSetZero(OCIError *err, OCINumber *num);
+void OCINumberSetPi(OCIError *err, OCINumber *num);
+sword OCINumberAssign(OCIError *err, const OCINumber *from, OCINumber *to);
+sword OCINumberCmp(OCIError *err, const OCINumber *number1, const OCINumber *number2,
+                   sword *result);
+sword OCINumberIsZero(OCIError *err, const OCINumber *number, boolean *result);
+sword OCINumberSign(OCIError *err, const OCINumber *number, sword *result);
+sword OCINumberIsInt(OCIError *err, const OCINumber *number, boolean *result);
+
+/* Stores the integer part in 1, 2 or 4 bytes. One out of range, as the outermost values
+   are, is record 22053, or 22054 below, and OCI_SUCCESS. */
+sword OCINumberToInt(OCIError *err, const OCINumber *number, uword rsl_length,
+                     uword rsl_flag, void *rsl);
+
+/* From an integer of 1, 2, 4 or 8 bytes, of which 15 digits count. */
+sword OCINumberFromInt(OCIError *err, const void *inum, uword inum_length,
+                       uword inum_s_flag, OCINumber *number);
+
+/* To and from float and double, of which 15 digits count. Record 22053 for a number that
+   is too large. */
+sword OCINumberToReal(OCIError *err, const OCINumber *number, uword rsl_length,
+                      void *rsl);
+sword OCINumberToRealArray(OCIError *err, const OCINumber **number, uword elems,
+                           uword rsl_length, void *rsl);
+sword OCINumberFromReal(OCIError *err, const void *rnum, uword rnum_length,
+                        OCINumber *number);
+
+/* Writes the digits into the places of a format, 9, 0 and D, with "," for G, blanks in
+   front; *buf_size comes in as the room and goes out as the length. The format TM9 writes
+   all digits. Records: 22061 for a bad format, 22065 for one that is too short. */
+sword OCINumberToText(OCIError *err, const OCINumber *number, const OraText *fmt,
+                      ub4 fmt_length, const OraText *nls_params, ub4 nls_p_length,
+                      ub4 *buf_size, OraText *buf);
+
+/* Reads text, in which "," must stand where the format has G: 22061 and 22062 if not. */
+sword OCINumberFromText(OCIError *err, const OraText *str, ub4 str_length,
+                        const OraText *fmt, ub4 fmt_length, const OraText *nls_params,
+                        ub4 nls_p_length, OCINumber *number);
+
+/* ---- Intervals ----
+
+   Between descriptors of one kind, year-month or day-second; record 932 for any other,
+   and for values that were not set. A null argument is record 21560. */
+
+/* Sums and differences; whole days are taken out of the seconds, and of a difference
+   months of 30 days out of the days. */
+sword OCIIntervalAdd(void *hndl, OCIError *err, OCIInterval *addend1,
+                     OCIInterval *addend2, OCIInterval *result);
+sword OCIIntervalSubtract(void *hndl, OCIError *err, OCIInterval *minuend,
+                          OCIInterval *subtrahend, OCIInterval *result);
+
+sword OCIIntervalAssign(void *hndl, OCIError *err, const OCIInterval *inpinter,
+                        OCIInterval *outinter);
+
+/* -1, 0 or 1; a month counts 30 days. */
+sword OCIIntervalCompare(void *hndl, OCIError *err, OCIInterval *inter1,
+                         OCIInterval *inter2, sword *result);
+
+/* Times a number and by it; a divisor of zero is OCI_ERROR without a record. */
+sword OCIIntervalMultiply(void *hndl, OCIError *err, const OCIInterval *inter,
+                          OCINumber *nfactor, OCIInterval *result);
+sword OCIIntervalDivide(void *hndl, OCIError *err, OCIInterval *dividend,
+                        OCINumber *divisor, OCIInterval *result);
+
+/* Days, or years in a year-month interval. */
+sword OCIIntervalFromNumber(void *hndl, OCIError *err, OCIInterval *interval,
+                            OCINumber *number);
+sword OCIIntervalToNumber(void *hndl, OCIError *err, const OCIInterval *interval,
+                          OCINumber *number);
+
+/* Reads "3 04:05:06.5" or "1 2", years and months, which ends in a NUL; record 1891 for
+   any other text. */
+sword OCIIntervalFromText(void *hndl, OCIError *err, const OraText *inpstring,
+                          size_t str_len, OCIInterval *result);
+
+/* Writes "+03 04:05:06.000" or "+01-02" with its terminator, whatever buflen is. */
+sword OCIIntervalToText(void *hndl, OCIError *err, const OCIInterval *interval,
+                        ub1 lfprec, ub1 fsprec, OraText *buffer, size_t buflen,
+                        size_t *resultlen);
+
+/* The displacement "+05:30" of a zone; record 16384 out of range. */
+sword OCIIntervalFromTZ(void *hndl, OCIError *err, const OraText *inpstring,
+                        size_t str_len, OCIInterval *result);
+
+/* The parts; fsec comes in as seconds and goes out as 0. */
+sword OCIIntervalGetDaySecond(void *hndl, OCIError *err, sb4 *dy, sb4 *hr, sb4 *mm,
+                              sb4 *ss, sb4 *fsec, const OCIInterval *interval);
+sword OCIIntervalSetDaySecond(void *hndl, OCIError *err, sb4 dy, sb4 hr, sb4 mm, sb4 ss,
+                              sb4 fsec, OCIInterval *result);
+sword OCIIntervalGetYearMonth(void *hndl, OCIError *err, sb4 *yr, sb4 *mnth,
+                              const OCIInterval *interval);
+sword OCIIntervalSetYearMonth(void *hndl, OCIError *err, sb4 yr, sb4 mnth,
+                              OCIInterval *result);
+
+/* Stores what is out of range as bits of OCI_INTER_INVALID_HOUR and the like. */
+sword OCIIntervalCheck(void *hndl, OCIError *err, const OCIInterval *interval,
+                       ub4 *valid);
+
 #ifdef __cplusplus
 }
 #endif
