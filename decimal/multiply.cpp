@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "decimal/engine.h"
@@ -5,6 +6,17 @@
 
 namespace zev::decimal {
 namespace {
+
+/// Whether the transform takes less time than the schoolbook: it does from some size on,
+/// and only when the shorter number is not much shorter.
+bool doesTransformPay(std::size_t bytesA, std::size_t bytesB) {
+  constexpr std::size_t kFastBytes = 48, kProductsPerByte = 32;
+  const std::size_t longer = std::max(bytesA, bytesB);
+  if (std::min(bytesA, bytesB) < kFastBytes) return false;
+  return limbsFor(bytesA) * limbsFor(bytesB) >
+         kProductsPerByte *
+             static_cast<std::size_t>(M_next_power_of_2(static_cast<int>(longer)));
+}
 
 /// Schoolbook on limbs.
 void multiplyDirectly(M_APM r, M_APM a, M_APM b) {
@@ -30,10 +42,9 @@ void multiplyDirectly(M_APM r, M_APM a, M_APM b) {
 using namespace zev::decimal;
 
 void m_apm_multiply(M_APM r, M_APM a, M_APM b) {
-  constexpr int kFastBytes = 48;
   if (a->sign == 0 || b->sign == 0)
     M_set_to_zero(r);
-  else if ((a->digitCount + 1) / 2 >= kFastBytes && (b->digitCount + 1) / 2 >= kFastBytes)
+  else if (doesTransformPay(bytesFor(a->digitCount), bytesFor(b->digitCount)))
     M_fast_multiply(r, a, b);
   else
     multiplyDirectly(r, a, b);
