@@ -112,6 +112,7 @@ void encode(Aligned &number, bool isNegative, OCINumber &to) {
 namespace zev::decimal {
 
 bool readNumberByText(const OCINumber &from, M_APM to) {
+  if (from.OCINumberPart[0] >= sizeof from.OCINumberPart) return false;
   char text[kOperandText];
   if (ConvertVARNUMToString(from.OCINumberPart, text) != 0) return false;
   m_apm_set_string(to, text);
@@ -123,8 +124,9 @@ bool readNumber(const OCINumber &from, M_APM to) {
   const int length = part[0];
   const bool isNegative = !(part[1] & kZero);
   int count = length - 1;
+  if (count > kMostPairs) return false;
   if (isNegative && count > 0 && part[1 + count] == kTerminator) --count;
-  if (count < 1 || count > kMostPairs) return readNumberByText(from, to);
+  if (count < 1) return readNumberByText(from, to);
   const bool areDigits = isNegative ? readPairs<true>(part + 2, count, to->digits)
                                     : readPairs<false>(part + 2, count, to->digits);
   // Zeros at either end are for the general way, as is what is no digit.

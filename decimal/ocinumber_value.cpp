@@ -15,7 +15,7 @@ constexpr ub1 kPositive = 0x80;  ///< in an exponent byte; zero has it too
 
 /// Pi to the 40 digits of an encoding.
 constexpr ub1 kPi[] = {21, 0xC1, 4,  15, 16, 93, 66, 36, 90, 80, 33,
-                       39, 27,   44, 39, 33, 80, 51, 29, 85, 20};
+                       39, 47,   27, 44, 39, 33, 80, 51, 29, 85, 20};
 
 bool isZero(const OCINumber &number) {
   return std::memcmp(number.OCINumberPart, OCIZero.OCINumberPart, 2) == 0;
