@@ -1,5 +1,6 @@
 /// The published functions that measure and compare multibyte and wide text.
 #include <cstring>
+#include <functional>
 #include <memory>
 
 #include "mb_fixture.h"
