@@ -174,11 +174,44 @@ TEST(MultibyteText, Utf8IsCountedSummedAndClipped) {
   EXPECT_EQ(pg_mbcharcliplen(kUtf8, text, 10, 3), 6);
 }
 
-TEST(MultibyteText, UnknownEncodingsOfUtf16VerifyByteByByte) {
+TEST(MultibyteText, Utf16IsVerifiedByteByByte) {
   for (const int encoding : {39, 40}) {
     EXPECT_EQ(pg_verifymb(encoding, "\xff", 1), 1);
     EXPECT_EQ(pg_verifymb(encoding, "", 0), -1);
   }
+}
+
+/// A lead byte of the Mule encoding: the range of the byte behind it, and the length.
+struct MuleLead {
+  int first, last, secondFirst, secondLast, length;
+};
+
+TEST(MultibyteText, MuleIsVerifiedByItsKindsOfCharacterSets) {
+  const MuleLead leads[] = {
+      {0x81, 0x8F, 0xA0, 0xFF, 2}, {0x90, 0x99, 0xA0, 0xFF, 3},
+      {0x9A, 0x9A, 0xA0, 0xDF, 3}, {0x9B, 0x9B, 0xE0, 0xEF, 3},
+      {0x9C, 0x9C, 0xF0, 0xF4, 4}, {0x9D, 0x9D, 0xF5, 0xFE, 4},
+  };
+  for (int lead = 0; lead < 256; ++lead) {
+    const auto *kind = std::find_if(
+        std::begin(leads), std::end(leads),
+        [&](const auto &row) { return lead >= row.first && lead <= row.last; });
+    for (int second = 0; second < 256; ++second) {
+      const char text[] = {static_cast<char>(lead), static_cast<char>(second), '\xA0',
+                           '\xFF'};
+      int expected = lead < 0x80 ? 1 : -1;
+      if (kind != std::end(leads) && second >= kind->secondFirst &&
+          second <= kind->secondLast) {
+        expected = kind->length;
+      }
+      EXPECT_EQ(pg_verifymb(7, text, 4), expected) << lead << ' ' << second;
+      if (expected > 1) {
+        EXPECT_EQ(pg_verifymb(7, text, expected - 1), -1);
+      }
+    }
+  }
+  EXPECT_EQ(pg_verifymb(7, "\x92\xA4\x41", 3), -1);
+  EXPECT_EQ(pg_verifymb(7, "\x9C\xF1\xA0\x7F", 4), -1);
 }
 
 using Wides = std::vector<pg_wchar>;
