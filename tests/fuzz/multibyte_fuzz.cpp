@@ -15,7 +15,7 @@ void require(bool holds) {
   if (!holds) __builtin_trap();
 }
 
-/// A text in a block of its own, with or without a terminator of two zeros.
+/// A text in a block of its own, and zeros behind it.
 std::unique_ptr<char[]> blockOf(std::string_view text, std::size_t zeros) {
   std::unique_ptr<char[]> block(new char[text.size() + zeros]());
   if (!text.empty()) std::memcpy(block.get(), text.data(), text.size());
@@ -63,7 +63,7 @@ void checkWide(int encoding, const char *text, int length) {
 }
 
 void checkTerminated(int encoding, std::string_view bytes) {
-  const auto text = blockOf(bytes, 2);
+  const auto text = blockOf(bytes, 3);  // a unit of 0 behind an odd byte too
   const int count = pg_mbstrlen(encoding, text.get());
   const auto size = static_cast<int>(bytes.size());
   if (pg_encoding_max_length(encoding) > 1) {

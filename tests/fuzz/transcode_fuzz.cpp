@@ -19,7 +19,7 @@ const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
 
 /// The conversion of a pair, opened once; kNone when the system has none.
 iconv_t conversion(int to, int from) {
-  static std::map<std::pair<int, int>, iconv_t> open;
+  static auto &open = *new std::map<std::pair<int, int>, iconv_t>;
   const auto [place, isNew] = open.try_emplace({to, from}, kNone);
   if (isNew) {
     place->second = iconv_open(pg_encoding_to_char(to), pg_encoding_to_char(from));
