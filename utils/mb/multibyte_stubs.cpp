@@ -17,7 +17,10 @@ Result refused() {
   return static_cast<Result>(OCI_ERROR);
 }
 
-OCIWchar *notFound() {
+/// Where a character stands in a string.
+using Place = OCIWchar *;
+
+Place notFound() {
   o2pTrace(3, kNarrative);
   return nullptr;
 }
@@ -28,9 +31,9 @@ OCIWchar *notFound() {
   extern "C" ZEV_API result name(__VA_ARGS__) { \
     return refused<result>();                   \
   }
-#define FINDING_STUB(name, ...)                    \
-  extern "C" ZEV_API OCIWchar *name(__VA_ARGS__) { \
-    return notFound();                             \
+#define FINDING_STUB(name, ...)                \
+  extern "C" ZEV_API Place name(__VA_ARGS__) { \
+    return notFound();                         \
   }
 
 #include "utils/mb/multibyte_stub_table.def"

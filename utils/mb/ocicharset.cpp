@@ -13,6 +13,9 @@
 
 namespace {
 
+// The system's value for no conversion.
+const iconv_t kNone = reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr)
+
 /// A conversion of the system by encoding numbers; false when the system has none.
 class Conversion {
  public:
@@ -27,13 +30,11 @@ class Conversion {
   Conversion(const Conversion &) = delete;
   Conversion &operator=(const Conversion &) = delete;
 
-  explicit operator bool() const { return descriptor_ != none(); }
+  explicit operator bool() const { return descriptor_ != kNone; }
   iconv_t get() const { return descriptor_; }
 
  private:
-  static iconv_t none() { return reinterpret_cast<iconv_t>(-1); }
-
-  iconv_t descriptor_ = none();
+  iconv_t descriptor_ = kNone;
 };
 
 /// A buffer and its size in bytes.

@@ -26,7 +26,7 @@ struct Trail {
 /// Lead bytes that ask for the same bytes behind them.
 struct Form {
   Range lead;
-  int trails;
+  unsigned char trails;
   Trail trail[3];
 };
 

@@ -99,21 +99,25 @@ class Character {
  public:
   Character(const MultibyteRow &row, const unsigned char *s, int left)
       : row_(row), s_(s), left_(left) {
-    if (left < kLongest) {
-      std::memcpy(padded_, s, static_cast<std::size_t>(left));
-      s_ = padded_;
-    }
+    if (left < kLongest) pad();
+    whole_ = row.mblen(s_);
   }
   /// Bytes that the character takes, and those of them that are there.
-  int wholeBytes() const { return row_.mblen(s_); }
-  int bytes() const { return std::min(wholeBytes(), left_); }
+  int wholeBytes() const { return whole_; }
+  int bytes() const { return std::min(whole_, left_); }
   int width() const { return row_.dsplen(s_); }
 
  private:
+  void pad() {
+    std::memset(padded_, 0, sizeof padded_);
+    std::memcpy(padded_, s_, static_cast<std::size_t>(left_));
+    s_ = padded_;
+  }
+
   const MultibyteRow &row_;
   const unsigned char *s_;
-  int left_;
-  unsigned char padded_[kLongest] = {};
+  int left_, whole_;
+  unsigned char padded_[kLongest];
 };
 
 /// Calls `take(character)` for one character of the text after the other, until it
@@ -130,9 +134,19 @@ int walk(int encoding, const char *s, int bytes, const Take &take) {
   return at;
 }
 
+/// Bytes at the start of `bytes` that are characters of ASCII.
+int asciiRun(const char *s, int bytes) {
+  const auto *begin = bytesOf(s);
+  return static_cast<int>(
+      std::find_if(begin, begin + bytes, [](unsigned char c) { return c >= 0x80; }) -
+      begin);
+}
+
 int countCharacters(int encoding, const char *s, int bytes) {
-  int count = 0;
-  walk(encoding, s, bytes, [&](const Character &, int) { return ++count; });
+  const int plain = isUtf16(encoding) ? 0 : asciiRun(s, bytes);
+  int count = plain;
+  walk(encoding, s + plain, bytes - plain,
+       [&](const Character &, int) { return ++count; });
   return count;
 }
 
