@@ -163,6 +163,49 @@ TEST_F(Conversion, EveryPairAgreesWithIconv) {
   EXPECT_GT(refused, 1000);
 }
 
+class ConversionOfAll : public Conversion,
+                        public testing::WithParamInterface<KnownEncoding> {};
+
+TEST_P(ConversionOfAll, EveryCharacterGoesToUtf8AndBack) {
+  const auto [encoding, name] = GetParam();
+  const char *own = pg_encoding_to_char(encoding);
+  const iconv_t probe = iconv_open("UTF-8", own);
+  const bool known = probe != reinterpret_cast<iconv_t>(-1);
+  if (known) iconv_close(probe);
+  std::string text, utf8;
+  const Iconv toUtf8("UTF-8", name);
+  for (const Encoded &character : charactersOf(name)) {
+    const auto alone = toUtf8(character.bytes);
+    ASSERT_TRUE(alone);
+    // A letter behind each character, as some wait for a mark to combine with.
+    text += character.bytes + "x";
+    utf8 += *alone + "x";
+  }
+  const auto id = static_cast<ub2>(encoding);
+  const std::string converted = convert(6, id, text, utf8.size());
+  ASSERT_EQ(status, known ? OCI_SUCCESS : OCI_ERROR);
+  if (!known) return;
+  EXPECT_EQ(size, utf8.size());
+  EXPECT_TRUE(converted == utf8);
+  const std::string back = convert(id, 6, utf8, text.size());
+  ASSERT_EQ(status, OCI_SUCCESS);
+  EXPECT_EQ(size, text.size());
+  EXPECT_TRUE(back == text);
+}
+
+/// The names of this library that the system knows too mean the same encoding there.
+std::vector<KnownEncoding> sameNames() {
+  std::vector<KnownEncoding> all(std::begin(kOneByteEncodings),
+                                 std::end(kOneByteEncodings));
+  for (const KnownEncoding &one : kMultibyteEncodings) {
+    const std::string name = one.name;
+    if (name.substr(0, 2) != "CP") all.push_back(one);
+  }
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Known, ConversionOfAll, testing::ValuesIn(sameNames()), nameOf);
+
 /// Conversion between an environment's encoding and UTF-8.
 class UnicodeConversion : public testing::Test {
  protected:
