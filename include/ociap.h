@@ -644,8 +644,8 @@ sword OCIUnicodeToCharSet(void *hndl, OraText *dst, size_t dstlen, const ub2 *sr
    failures. A wide character of UTF-8 text is its code point. */
 
 /* Converts src to wide characters. At most dstsz characters and a terminator that fits go
-   to dst, from at most dstsz bytes of src. With a null dst or a dstsz of 0 the srcsz bytes
-   are measured. *rsize becomes the count of characters. */
+   to dst, from at most dstsz bytes of src. With a null dst or a dstsz of 0 the srcsz
+   bytes are measured. *rsize becomes the count of characters. */
 sword OCIMultiByteInSizeToWideChar(void *hndl, OCIWchar *dst, size_t dstsz,
                                    const OraText *src, size_t srcsz, size_t *rsize);
 
