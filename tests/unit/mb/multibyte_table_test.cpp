@@ -1,9 +1,12 @@
 /// The table of encodings, and the rules by which a byte begins a character.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cwchar>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "utils/mb/unicode.h"
 #include "zevoci/multibyte.h"
@@ -61,8 +64,6 @@ TEST(EncodingTable, HasOneRowForEachNumber) {
   EXPECT_EQ(number, 41);
   EXPECT_EQ(std::size(oci_wchar_table), 41u);
 }
-
-using EncodingTableDeathTest = testing::Test;
 
 TEST(EncodingTableDeathTest, NumbersOutsideAreStopped) {
   const char *const assertion =
