@@ -606,6 +606,112 @@ sword ociepgoe(OCIExtProcContext *with_context, OCIEnv **envh, OCISvcCtx **svch,
 /* Always -1: no error can be raised. */
 size_t ocieperr(OCIExtProcContext *with_context, int errnum);
 
+/* ---- Encodings ----
+
+   Character set numbers are the library's own encoding numbers, 0 to 40. */
+
+/* Copies the name of the encoding id to buf, filled up with zeros; without a terminator
+   when it takes all of buflen. An unknown number gives an empty name. */
+sword OCINlsCharSetIdToName(void *envhp, OraText *buf, size_t buflen, ub2 id);
+
+/* The number of an encoding's name in any spelling; 6 (UTF-8) for a name that is not
+   known, among them the vendor's, and 0 for null. */
+ub2 OCINlsCharSetNameToId(void *envhp, const OraText *name);
+
+/* Stores in val as 16 bits the encoding number that the process environment gives:
+   OCI_NLS_CHARSET_ID by the third part of NLS_LANG, OCI_NLS_NCHARSET_ID by NLS_NCHAR; 0
+   without it. *rsize becomes 2. Other items and a null val give OCI_ERROR. */
+sword OCINlsEnvironmentVariableGet(void *val, size_t size, ub2 item, ub2 charset,
+                                   size_t *rsize);
+
+/* Converts srclen bytes at srcp between two encodings, into at most dstlen bytes at dstp,
+   which may be null; nothing is terminated. *rsize tells the bytes of the whole result.
+   OCI_ERROR without a record when the system does not convert between the two. */
+sword OCINlsCharSetConvert(void *hndl, OCIError *errhp, ub2 dstid, void *dstp,
+                           size_t dstlen, ub2 srcid, const void *srcp, size_t srclen,
+                           size_t *rsize);
+
+/* The same between the environment's encoding and UTF-8, all sizes in bytes. Failures are
+   recorded on the environment hndl. */
+sword OCICharSetToUnicode(void *hndl, ub2 *dst, size_t dstlen, const OraText *src,
+                          size_t srclen, size_t *rsize);
+sword OCIUnicodeToCharSet(void *hndl, OraText *dst, size_t dstlen, const ub2 *src,
+                          size_t srclen, size_t *rsize);
+
+/* ---- Multibyte and wide text ----
+
+   hndl is an environment, which gives the encoding of multibyte text and takes the
+   failures. A wide character of UTF-8 text is its code point. */
+
+/* Converts src to wide characters. At most dstsz characters and a terminator that fits go
+   to dst, from at most dstsz bytes of src. With a null dst or a dstsz of 0 the srcsz
+   bytes are measured. *rsize becomes the count of characters. */
+sword OCIMultiByteInSizeToWideChar(void *hndl, OCIWchar *dst, size_t dstsz,
+                                   const OraText *src, size_t srcsz, size_t *rsize);
+
+/* Characters of a terminated text. A status of failure is extended to the result's size.
+ */
+size_t OCIMultiByteStrlen(void *hndl, const OraText *str);
+
+/* Columns of a terminated text on a terminal; n is not used. */
+size_t OCIMultiByteStrnDisplayLength(void *hndl, const OraText *str, size_t n);
+
+/* Characters of a terminated wide string; 0 for null. */
+size_t OCIWideCharStrlen(void *hndl, const OCIWchar *wstr);
+
+/* Compare two wide strings, as strcmp does, over the length of wstr2, or over the smaller
+   of the two lengths; flag is not used. */
+int OCIWideCharStrcmp(void *hndl, const OCIWchar *wstr1, const OCIWchar *wstr2, int flag);
+int OCIWideCharStrncmp(void *hndl, const OCIWchar *wstr1, size_t len1,
+                       const OCIWchar *wstr2, size_t len2, int flag);
+
+/* Not supported: -1, or null for a pointer. */
+boolean OCICharSetConversionIsReplacementUsed(void *hndl);
+size_t OCIMultiByteStrCaseConversion(void *hndl, OraText *dststr, const OraText *srcstr,
+                                     ub4 flag);
+size_t OCIMultiByteStrcat(void *hndl, OraText *dststr, const OraText *srcstr);
+int OCIMultiByteStrcmp(void *hndl, const OraText *str1, const OraText *str2, int flag);
+size_t OCIMultiByteStrcpy(void *hndl, OraText *dststr, const OraText *srcstr);
+size_t OCIMultiByteStrncat(void *hndl, OraText *dststr, const OraText *srcstr, size_t n);
+int OCIMultiByteStrncmp(void *hndl, const OraText *str1, size_t len1, const OraText *str2,
+                        size_t len2, int flag);
+size_t OCIMultiByteStrncpy(void *hndl, OraText *dststr, const OraText *srcstr, size_t n);
+sword OCIMultiByteToWideChar(void *hndl, OCIWchar *dst, const OraText *src,
+                             size_t *rsize);
+sword OCINlsGetInfo(void *hndl, OCIError *errhp, OraText *buf, size_t buflen, ub2 item);
+sword OCINlsNameMap(void *hndl, OraText *buf, size_t buflen, const OraText *srcbuf,
+                    ub4 flag);
+sword OCINlsNumericInfoGet(void *hndl, OCIError *errhp, sb4 *val, ub2 item);
+sword OCIWideCharInSizeToMultiByte(void *hndl, OraText *dst, size_t dstsz,
+                                   const OCIWchar *src, size_t srcsz, size_t *rsize);
+boolean OCIWideCharIsAlnum(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsAlpha(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsCntrl(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsDigit(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsGraph(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsLower(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsPrint(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsPunct(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsSingleByte(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsSpace(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsUpper(void *hndl, OCIWchar wc);
+boolean OCIWideCharIsXdigit(void *hndl, OCIWchar wc);
+size_t OCIWideCharMultiByteLength(void *hndl, OCIWchar wc);
+size_t OCIWideCharStrCaseConversion(void *hndl, OCIWchar *wdststr,
+                                    const OCIWchar *wsrcstr, ub4 flag);
+size_t OCIWideCharStrcat(void *hndl, OCIWchar *wdststr, const OCIWchar *wsrcstr);
+OCIWchar *OCIWideCharStrchr(void *hndl, const OCIWchar *wstr, OCIWchar wc);
+size_t OCIWideCharStrcpy(void *hndl, OCIWchar *wdststr, const OCIWchar *wsrcstr);
+size_t OCIWideCharStrncat(void *hndl, OCIWchar *wdststr, const OCIWchar *wsrcstr,
+                          size_t n);
+size_t OCIWideCharStrncpy(void *hndl, OCIWchar *wdststr, const OCIWchar *wsrcstr,
+                          size_t n);
+OCIWchar *OCIWideCharStrrchr(void *hndl, const OCIWchar *wstr, OCIWchar wc);
+OCIWchar OCIWideCharToLower(void *hndl, OCIWchar wc);
+sword OCIWideCharToMultiByte(void *hndl, OraText *dst, const OCIWchar *src,
+                             size_t *rsize);
+OCIWchar OCIWideCharToUpper(void *hndl, OCIWchar wc);
+
 /* ---- Not supported ----
 
    These exist so that programs load. A call of one writes a line that names it to the

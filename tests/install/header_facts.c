@@ -1223,6 +1223,9 @@ FUNCTION(sword, OCIBindByPos, (OCIStmt *, OCIBind **, OCIError *, ub4, void *, s
 FUNCTION(sword, OCIBindDynamic, (OCIBind *, OCIError *, void *, OCICallbackInBind,
          void *, OCICallbackOutBind));
 FUNCTION(sword, OCIBreak, (void *, OCIError *));
+FUNCTION(boolean, OCICharSetConversionIsReplacementUsed, (void *));
+FUNCTION(sword, OCICharSetToUnicode, (void *, ub2 *, size_t, const OraText *, size_t,
+         size_t *));
 FUNCTION(void, OCIClientVersion, (sword *, sword *, sword *, sword *, sword *));
 FUNCTION(sword, OCIContextGetValue, (void *, OCIError *, ub1 *, ub1, void **));
 FUNCTION(sword, OCIContextSetValue, (void *, OCIError *, OCIDuration, ub1 *, ub1, void *));
@@ -1443,6 +1446,28 @@ FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *,
          const OraText *, ub4, const OraText *, ub4, ub4));
 FUNCTION(sword, OCIMemoryAlloc, (void *, OCIError *, void **, OCIDuration, ub4, ub4));
 FUNCTION(sword, OCIMemoryFree, (void *, OCIError *, void *));
+FUNCTION(sword, OCIMultiByteInSizeToWideChar, (void *, OCIWchar *, size_t,
+         const OraText *, size_t, size_t *));
+FUNCTION(size_t, OCIMultiByteStrCaseConversion, (void *, OraText *, const OraText *,
+         ub4));
+FUNCTION(size_t, OCIMultiByteStrcat, (void *, OraText *, const OraText *));
+FUNCTION(int, OCIMultiByteStrcmp, (void *, const OraText *, const OraText *, int));
+FUNCTION(size_t, OCIMultiByteStrcpy, (void *, OraText *, const OraText *));
+FUNCTION(size_t, OCIMultiByteStrlen, (void *, const OraText *));
+FUNCTION(size_t, OCIMultiByteStrnDisplayLength, (void *, const OraText *, size_t));
+FUNCTION(size_t, OCIMultiByteStrncat, (void *, OraText *, const OraText *, size_t));
+FUNCTION(int, OCIMultiByteStrncmp, (void *, const OraText *, size_t, const OraText *,
+         size_t, int));
+FUNCTION(size_t, OCIMultiByteStrncpy, (void *, OraText *, const OraText *, size_t));
+FUNCTION(sword, OCIMultiByteToWideChar, (void *, OCIWchar *, const OraText *, size_t *));
+FUNCTION(sword, OCINlsCharSetConvert, (void *, OCIError *, ub2, void *, size_t, ub2,
+         const void *, size_t, size_t *));
+FUNCTION(sword, OCINlsCharSetIdToName, (void *, OraText *, size_t, ub2));
+FUNCTION(ub2, OCINlsCharSetNameToId, (void *, const OraText *));
+FUNCTION(sword, OCINlsEnvironmentVariableGet, (void *, size_t, ub2, ub2, size_t *));
+FUNCTION(sword, OCINlsGetInfo, (void *, OCIError *, OraText *, size_t, ub2));
+FUNCTION(sword, OCINlsNameMap, (void *, OraText *, size_t, const OraText *, ub4));
+FUNCTION(sword, OCINlsNumericInfoGet, (void *, OCIError *, sb4 *, ub2));
 FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
 FUNCTION(sword, OCIParamSet, (void *, ub4, OCIError *, const void *, ub4, ub4));
 FUNCTION(sword, OCIPasswordChange, (OCISvcCtx *, OCIError *, const OraText *, ub4, const
@@ -1504,6 +1529,38 @@ FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransRollback, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransStart, (OCISvcCtx *, OCIError *, uword, ub4));
+FUNCTION(sword, OCIUnicodeToCharSet, (void *, OraText *, size_t, const ub2 *, size_t,
+         size_t *));
+FUNCTION(sword, OCIWideCharInSizeToMultiByte, (void *, OraText *, size_t,
+         const OCIWchar *, size_t, size_t *));
+FUNCTION(boolean, OCIWideCharIsAlnum, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsAlpha, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsCntrl, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsDigit, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsGraph, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsLower, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsPrint, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsPunct, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsSingleByte, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsSpace, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsUpper, (void *, OCIWchar));
+FUNCTION(boolean, OCIWideCharIsXdigit, (void *, OCIWchar));
+FUNCTION(size_t, OCIWideCharMultiByteLength, (void *, OCIWchar));
+FUNCTION(size_t, OCIWideCharStrCaseConversion, (void *, OCIWchar *, const OCIWchar *,
+         ub4));
+FUNCTION(size_t, OCIWideCharStrcat, (void *, OCIWchar *, const OCIWchar *));
+FUNCTION(OCIWchar *, OCIWideCharStrchr, (void *, const OCIWchar *, OCIWchar));
+FUNCTION(int, OCIWideCharStrcmp, (void *, const OCIWchar *, const OCIWchar *, int));
+FUNCTION(size_t, OCIWideCharStrcpy, (void *, OCIWchar *, const OCIWchar *));
+FUNCTION(size_t, OCIWideCharStrlen, (void *, const OCIWchar *));
+FUNCTION(size_t, OCIWideCharStrncat, (void *, OCIWchar *, const OCIWchar *, size_t));
+FUNCTION(int, OCIWideCharStrncmp, (void *, const OCIWchar *, size_t, const OCIWchar *,
+         size_t, int));
+FUNCTION(size_t, OCIWideCharStrncpy, (void *, OCIWchar *, const OCIWchar *, size_t));
+FUNCTION(OCIWchar *, OCIWideCharStrrchr, (void *, const OCIWchar *, OCIWchar));
+FUNCTION(OCIWchar, OCIWideCharToLower, (void *, OCIWchar));
+FUNCTION(sword, OCIWideCharToMultiByte, (void *, OraText *, const OCIWchar *, size_t *));
+FUNCTION(OCIWchar, OCIWideCharToUpper, (void *, OCIWchar));
 
 /* ---- Callback shapes ---- */
 

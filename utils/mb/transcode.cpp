@@ -39,7 +39,11 @@ extern "C" std::size_t transcode(iconv_t cd, int *error, const void *source,
       return kFailed;
     }
   }
-  iconv(cd, nullptr, nullptr, &to, &left);
+  // A decoder that waits for a combining mark gives its last character only now.
+  if (iconv(cd, nullptr, nullptr, &to, &left) == static_cast<std::size_t>(-1)) {
+    *error = errno;
+    return kFailed;
+  }
   reset(cd);
   *to = '\0';
   *outLength = room - left;

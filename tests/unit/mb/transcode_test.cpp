@@ -180,6 +180,13 @@ TEST_F(Transcode, TheShiftBackAtTheEndBelongsToTheText) {
   EXPECT_EQ(ours(stateful.get(), "\xe4\xba\x9c").text, "\x1b$B\x30\x21\x1b(B");
 }
 
+TEST_F(Transcode, TheLastCharacterIsNotLostWhenTheTargetHasNone) {
+  const Conversion waiting("ISO-8859-1", "CP1258");  // "\xe3" may take a combining mark
+  EXPECT_EQ(ours(waiting.get(), "a\xe2").text, "a\xe2");
+  EXPECT_EQ(ours(waiting.get(), "a\xe3").error, EILSEQ);
+  EXPECT_EQ(ours(waiting.get(), "a").text, "a");
+}
+
 TEST_F(Transcode, ZeroBytesPassThrough) {
   const std::string text("a\0b", 3);
   EXPECT_EQ(ours(fromUtf8.get(), text).text, std::string("a\0\0\0b\0", 6));
