@@ -58,6 +58,10 @@ sword resolve(OCIServer *server, OCIError *errhp);
 /// elements that are no entry. False when memory runs out.
 bool apply(List *entries, OCIServer *server);
 
+/// Sets a scanner, of the type that its generator gives it, on `size` bytes at `text`, of
+/// which the last two are 0 and not part of the text. Throws std::bad_alloc.
+void scan(char *text, std::size_t size, void *scanner);
+
 // Builders for the parser. Each takes over its arguments, also when it fails, and gives
 // null when memory runs out.
 

@@ -145,7 +145,7 @@ class Scanner {
     text_ = std::move(text);
     text_.append(2, '\0');
     if (tnslex_init(&scanner_) != 0) throw std::bad_alloc();
-    tns_scan_buffer(text_.data(), text_.size(), scanner_);
+    zev::tnsnames::scan(text_.data(), text_.size(), scanner_);
   }
 
   std::string text_;

@@ -70,6 +70,15 @@ TEST(Text, ComparisonsAgreeWithTheCLibrary) {
   }
 }
 
+TEST(Text, OneComparisonKnowsTheLettersOfTheLocale) {
+  for (int i = 1; i < 256; ++i) {
+    for (int j = 1; j < 256; ++j) {
+      const char a[] = {static_cast<char>(i), 0}, b[] = {static_cast<char>(j), 0};
+      ASSERT_EQ(sign(oci_stricmp(a, b)), sign(strcasecmp(a, b))) << i << ' ' << j;
+    }
+  }
+}
+
 TEST(Text, OnlyAsciiLettersFold) {
   char text[] = "aZ09@[`{\xc4\xe4";
   EXPECT_EQ(str_toupper(text), text);
