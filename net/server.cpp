@@ -18,12 +18,16 @@ void release(char *&text) {
   text = nullptr;
 }
 
-void forgetAddress(OCIServer *server) {
-  for (char **part :
-       {&server->dblink, &server->host, &server->port, &server->dbname, &server->uri}) {
+void forgetParts(OCIServer *server) {
+  for (char **part : {&server->host, &server->port, &server->dbname, &server->uri}) {
     release(*part);
   }
+}
+
+void forgetAddress(OCIServer *server) {
+  release(server->dblink);
   server->dblinkLen = 0;
+  forgetParts(server);
 }
 
 /// Whether the address has a URI or all three parts.
@@ -184,6 +188,7 @@ ZEV_API sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *
       [&](sword &status) {
         const sword outcome = settleAddress(srvhp, errhp, env, dblink, dblink_len);
         if (outcome != OCI_SUCCESS) {
+          forgetParts(srvhp);  // the connect string stays until the next attempt
           status = outcome;
           return zev::Leave::AtOnce;
         }

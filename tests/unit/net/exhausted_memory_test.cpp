@@ -1,16 +1,20 @@
-/// What reading a tnsnames.ora file does when memory runs out in its midst: each
-/// allocation fails in turn, once alone and once with all that follow.
+/// What reading a tnsnames.ora file and making a pool do when memory runs out in their
+/// midst: each allocation fails in turn, once alone and once with all that follow.
+#include <ociap.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 
 #include "tests/unit/core/core_fixture.h"
 #include "tests/unit/core/failing_allocator.h"
 #include "tests/unit/net/tnsnames_fixture.h"
+#include "zevoci/session_pool.h"
 
 namespace zev::test {
 namespace {
 
-class ExhaustedTnsnames : public testing::TestWithParam<bool> {};
+class ExhaustedMemory : public testing::TestWithParam<bool> {};
 
 const std::string kText =
     "a=(DESCRIPTION_LIST=(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(HOST=h)(HOST=i)(PORT=1)"
@@ -18,7 +22,7 @@ const std::string kText =
     "u))(SECURITY=(SSL_SERVER_CERT_DN=\"x\")))(DESCRIPTION=(ADDRESS=(HOST=j))))\n"
     "b=(DESCRIPTION=(SDU=1))\n";
 
-TEST_P(ExhaustedTnsnames, TheParserSaysSoAndLeavesNothing) {
+TEST_P(ExhaustedMemory, TheParserOfTnsnamesSaysSoAndLeavesNothing) {
   int failures = 0;
   for (long n = 0;; ++n) {
     ASSERT_LT(n, 10000) << "the parser never succeeds";
@@ -44,7 +48,7 @@ TEST_P(ExhaustedTnsnames, TheParserSaysSoAndLeavesNothing) {
   EXPECT_GT(failures, 40);
 }
 
-TEST_P(ExhaustedTnsnames, AttachingFailsOrSucceedsWhole) {
+TEST_P(ExhaustedMemory, AttachingByTnsnamesFailsOrSucceedsWhole) {
   namespace fs = std::filesystem;
   const fs::path directory =
       fs::path(testing::TempDir()) / ("zevoci-tns-exhausted-" + std::to_string(getpid()));
@@ -72,7 +76,7 @@ TEST_P(ExhaustedTnsnames, AttachingFailsOrSucceedsWhole) {
   fs::remove_all(directory);
 }
 
-TEST_P(ExhaustedTnsnames, AMatchThatCannotBeCopiedIsNotTakenForAnAbsentOne) {
+TEST_P(ExhaustedMemory, AMatchThatCannotBeCopiedIsNotTakenForAnAbsentOne) {
   bool failed = true;
   for (long n = 0; failed; ++n) {
     List *entries = parseText(kText).second;
@@ -88,7 +92,35 @@ TEST_P(ExhaustedTnsnames, AMatchThatCannotBeCopiedIsNotTakenForAnAbsentOne) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Allocations, ExhaustedTnsnames, testing::Bool(),
+TEST_P(ExhaustedMemory, APoolIsNamedOrNotMade) {
+  for (const ub4 charset : {ub4{OCI_DEFAULT}, ub4{OCI_UTF16}}) {
+    bool failed = true;
+    for (long n = 0; failed; ++n) {
+      ASSERT_LT(n, 100);
+      Environment env(charset);
+      auto *pool = env.alloc<OCISPool>(OCI_HTYPE_SPOOL);
+      OraText *name = nullptr;
+      ub4 nameLength = 0;
+      OraText text[] = {'a', 0, 'b', 0};
+      failAllocationsAfter(n, GetParam());
+      const sword status =
+          OCISessionPoolCreate(env.get(), env.errhp(), pool, &name, &nameLength, text, 4,
+                               3, 3, 1, text, 4, text, 4, OCI_DEFAULT);
+      failed = stopFailing();
+      EXPECT_EQ(status, failed ? OCI_ERROR : OCI_SUCCESS) << n;
+      EXPECT_EQ(pool->freeCount, list_length(pool->free));
+      if (failed && !GetParam()) {
+        // A conversion that has no memory tells so in words only.
+        EXPECT_EQ(codesOf(env.errhp()),
+                  Codes{firstText(env.errhp()).starts_with("Error") ? 0 : 16506})
+            << n;
+      }
+      std::free(name);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Allocations, ExhaustedMemory, testing::Bool(),
                          [](const auto &p) { return p.param ? "FromThereOn" : "Once"; });
 
 }  // namespace
