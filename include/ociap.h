@@ -96,8 +96,10 @@ sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size,
 
 /* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI;
    dblink_len 0 or below means localhost, port 5444, database "zev". Nothing is sent; the
-   connection is made by OCISessionBegin. Record 24309 when the server is attached
-   already. */
+   connection is made by OCISessionBegin. A text with a "/" before its first ":" is looked
+   up in $HOME/.tnsnames.ora or $TNS_ADMIN/tnsnames.ora. Record 24309 when the server is
+   attached already, 12154 without a file, 12555 when it cannot be opened, 12227 when it
+   has a syntax error. */
 sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink,
                       sb4 dblink_len, ub4 mode);
 

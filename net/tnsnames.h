@@ -2,8 +2,8 @@
 /// address. What the scanner and the parser work on belongs to the thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
-#include <string_view>
 
 #include "zevoci/connection.h"
 #include "zevoci/list.h"

@@ -39,7 +39,8 @@ using namespace zev::tnsnames;
        SSL_SERVER_CERT_DN TCP TRUE_P TYPE TYPE_OF_SERVICE YES
 
 %type <list> tns_name_entries description_params address_entry_params
-%type <service> tns_name_entry description_list_entry description_entries description_entry
+%type <service> tns_name_entry description_list_entry description_entries
+%type <service> description_entry
 %type <node> description_param address_entry_param
 %type <address> address_list_entry address_entries address_entry
 %type <host> host_entry
