@@ -55,6 +55,9 @@ bool enter(const zev::HandleKind &kind, OCIEnv *env, void *parenth, OCIHandle *h
       return appendTo(static_cast<OCIStmt *>(parenth)->binds, handle);
     case zev::Registry::Defines:
       return appendTo(static_cast<OCIStmt *>(parenth)->defines, handle);
+    case zev::Registry::Pools:
+      if (!appendTo(env->sessionPools, handle)) return false;
+      break;
     case zev::Registry::Children:
       break;
   }

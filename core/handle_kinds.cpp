@@ -7,6 +7,7 @@
 #include "zevoci/datetime.h"
 #include "zevoci/lob_locator.h"
 #include "zevoci/parameter.h"
+#include "zevoci/session_pool.h"
 #include "zevoci/statement.h"
 #include "zevoci/threads.h"
 #include "zevoci/transaction.h"
@@ -45,6 +46,7 @@ sword write(void *handle, void *value, ub4 size, ub4 attribute, OCIError *errhp)
 #define KIND(type, T) type, HANDLE_##T, allocate<Alloc_##T>, release<T, Free_##T>
 #define ATTRIBUTES(T) read<T, Get_##T>, write<T, Set_##T>
 #define READABLE(T) read<T, Get_##T>, nullptr
+#define WRITABLE(T) nullptr, write<T, Set_##T>
 #define TYPED(type, T) \
   {type, HANDLE_##T, allocateTyped<Alloc_##T, type>, release<T, Free_##T>, nullptr, nullptr}
 constexpr HandleKind kKinds[] = {
@@ -58,6 +60,7 @@ constexpr HandleKind kKinds[] = {
     {KIND(OCI_HTYPE_SESSION, OCISession), ATTRIBUTES(OCISession)},
     {KIND(OCI_HTYPE_TRANS,   OCITrans),   ATTRIBUTES(OCITrans)},
     {KIND(OCI_HTYPE_DESCRIBE, OCIDescribe), READABLE(OCIDescribe)},
+    {KIND(OCI_HTYPE_SPOOL,  OCISPool),    WRITABLE(OCISPool),     Registry::Pools},
     {KIND(OCI_DTYPE_PARAM,   OCIParam),   READABLE(OCIParam)},
     {KIND(OCI_DTYPE_LOB,     OCILobLocator), nullptr, nullptr},
     TYPED(OCI_DTYPE_INTERVAL_YM,   OCIInterval),
@@ -72,6 +75,7 @@ constexpr HandleKind kKinds[] = {
     {KIND(kUnpublished,      OCIThreadKey),    nullptr, nullptr},
 };
 #undef TYPED
+#undef WRITABLE
 #undef READABLE
 #undef ATTRIBUTES
 #undef KIND

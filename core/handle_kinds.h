@@ -10,8 +10,8 @@ using GetAttribute = sword (*)(void *handle, void *value, ub4 *size, ub4 attribu
 using SetAttribute = sword (*)(void *handle, void *value, ub4 size, ub4 attribute,
                                OCIError *errhp);
 
-/// Where a new handle is entered.
-enum class Registry { Children, Binds, Defines };
+/// Where a new handle is entered. Pools stand among the children as well.
+enum class Registry { Children, Binds, Defines, Pools };
 
 /// The type of kinds that only functions of their own allocate and free.
 inline constexpr ub4 kUnpublished = 0;

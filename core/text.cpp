@@ -1,6 +1,7 @@
 #include "zevoci/text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +30,22 @@ constexpr char lower(char c) {
 }
 constexpr char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+
+/// ASCII as ever, what is above it as the process's locale has it.
+char lowerInLocale(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x80 ? lower(c) : static_cast<char>(std::tolower(byte));
+}
+
+template <char (*Fold)(char)>
+int compare(const char *a, const char *b, std::size_t n) {
+  for (; n; --n, ++a, ++b) {
+    const int difference =
+        static_cast<unsigned char>(Fold(*a)) - static_cast<unsigned char>(Fold(*b));
+    if (difference || !*a) return difference;
+  }
+  return 0;
 }
 
 template <char (*Fold)(char)>
@@ -60,19 +77,13 @@ char *makeString(const void *text, std::size_t length) {
 }
 
 int oci_strncasecmp(const char *a, const char *b, std::size_t n) {
-  for (; n; --n, ++a, ++b) {
-    const int difference =
-        static_cast<unsigned char>(lower(*a)) - static_cast<unsigned char>(lower(*b));
-    if (difference || !*a) return difference;
-  }
-  return 0;
+  return compare<lower>(a, b, n);
 }
-
 int oci_strcasecmp(const char *a, const char *b) {
-  return oci_strncasecmp(a, b, SIZE_MAX);
+  return compare<lower>(a, b, SIZE_MAX);
 }
 int oci_stricmp(const char *a, const char *b) {
-  return oci_strcasecmp(a, b);
+  return compare<lowerInLocale>(a, b, SIZE_MAX);
 }
 
 char *str_tolower(char *text) {

@@ -96,8 +96,10 @@ sword OCIAttrSet(void *trgthndlp, ub4 trghndltyp, void *attributep, ub4 size,
 
 /* Says where a server is: "[//]host[:port][/database]" or a "postgresql://" URI;
    dblink_len 0 or below means localhost, port 5444, database "zev". Nothing is sent; the
-   connection is made by OCISessionBegin. Record 24309 when the server is attached
-   already. */
+   connection is made by OCISessionBegin. A text with a "/" before its first ":" is looked
+   up in $HOME/.tnsnames.ora or $TNS_ADMIN/tnsnames.ora. Record 24309 when the server is
+   attached already, 12154 without a file, 12555 when it cannot be opened, 12227 when it
+   has a syntax error. */
 sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *dblink,
                       sb4 dblink_len, ub4 mode);
 
@@ -126,6 +128,47 @@ sword OCILogon2(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp,
 
 /* Ends the session and frees the service context, its server and its session. */
 sword OCILogoff(OCISvcCtx *svchp, OCIError *errhp);
+
+/* ---- Pools ---- */
+
+/* Fills a session pool. OCI_SPC_HOMOGENEOUS logs on sessMin times as userid to connStr
+   and lets OCISessionGet log on until sessMax sessions were made in all; OCI_DEFAULT logs
+   on nobody. *poolName is a block that the program frees, *poolNameLen counts its
+   terminator. Only the first pool of an environment hands out sessions. Record 21560
+   without poolName or poolNameLen, 30475 for OCI_SPC_REINITIALIZE and OCI_SPC_STMTCACHE,
+   24300 for other modes. */
+sword OCISessionPoolCreate(OCIEnv *envhp, OCIError *errhp, OCISPool *spoolhp,
+                           OraText **poolName, ub4 *poolNameLen, const OraText *connStr,
+                           ub4 connStrLen, ub4 sessMin, ub4 sessMax, ub4 sessIncr,
+                           OraText *userid, ub4 useridLen, OraText *password,
+                           ub4 passwordLen, ub4 mode);
+
+/* Does nothing; sessions live as long as their environment or until OCILogoff. */
+sword OCISessionPoolDestroy(OCISPool *spoolhp, OCIError *errhp, ub4 mode);
+
+/* A session in *svchp. OCI_SESSGET_SPOOL takes one of the pool, which OCI_ERROR without a
+   record says is exhausted; a session that was made with the pool is ended by OCILogoff,
+   one that was added by OCISessionRelease. OCI_DEFAULT and OCI_SESSGET_STMTCACHE log on
+   to dbName as authhp's user. Tags are not looked at and found is not written. */
+sword OCISessionGet(OCIEnv *envhp, OCIError *errhp, OCISvcCtx **svchp,
+                    OCIAuthInfo *authhp, OraText *dbName, ub4 dbName_len,
+                    const OraText *tagInfo, ub4 tagInfo_len, OraText **retTagInfo,
+                    ub4 *retTagInfo_len, boolean *found, ub4 mode);
+
+/* Ends a session of OCISessionGet as OCILogoff does; it does not return to its pool. mode
+   must be OCI_DEFAULT. Record 24421 for another session. */
+sword OCISessionRelease(OCISvcCtx *svchp, OCIError *errhp, OraText *tag, ub4 tag_len,
+                        ub4 mode);
+
+/* Connection pools are not offered: OCI_ERROR without a record. */
+sword OCIConnectionPoolCreate(OCIEnv *envhp, OCIError *errhp, OCICPool *poolhp,
+                              OraText **poolName, sb4 *poolNameLen, const OraText *dblink,
+                              sb4 dblinkLen, ub4 connMin, ub4 connMax, ub4 connIncr,
+                              const OraText *poolUserName, sb4 poolUserLen,
+                              const OraText *poolPassword, sb4 poolPassLen, ub4 mode);
+sword OCIConnectionPoolDestroy(OCICPool *poolhp, OCIError *errhp, ub4 mode);
+
+/* ---- Services of a connection ---- */
 
 /* One round trip to the server; record 1041 when it fails. mode must be OCI_DEFAULT. */
 sword OCIPing(OCISvcCtx *svchp, OCIError *errhp, ub4 mode);

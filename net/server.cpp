@@ -6,6 +6,7 @@
 #include "core/frame.h"
 #include "core/frame_rows.h"
 #include "core/wire.h"
+#include "net/tnsnames.h"
 #include "zevoci/connection.h"
 #include "zevoci/text.h"
 #include "zevoci/trace.h"
@@ -17,12 +18,16 @@ void release(char *&text) {
   text = nullptr;
 }
 
-void forgetAddress(OCIServer *server) {
-  for (char **part :
-       {&server->dblink, &server->host, &server->port, &server->dbname, &server->uri}) {
+void forgetParts(OCIServer *server) {
+  for (char **part : {&server->host, &server->port, &server->dbname, &server->uri}) {
     release(*part);
   }
+}
+
+void forgetAddress(OCIServer *server) {
+  release(server->dblink);
   server->dblinkLen = 0;
+  forgetParts(server);
 }
 
 /// Whether the address has a URI or all three parts.
@@ -30,10 +35,11 @@ bool isComplete(const OCIServer *server) {
   return server->uri || (server->host && server->port && server->dbname);
 }
 
+/// Fills what nobody has named.
 void useDefaults(OCIServer *server) {
-  server->host = strdup("localhost");
-  server->port = strdup("5444");
-  server->dbname = strdup("zev");
+  if (!server->host) server->host = strdup("localhost");
+  if (!server->port) server->port = strdup("5444");
+  if (!server->dbname) server->dbname = strdup("zev");
 }
 
 /// Stores the connect string and what it says of the address.
@@ -44,7 +50,11 @@ sword resolve(OCIServer *server, OCIError *errhp, const zev::EdgeText &dblink) {
   const boolean understood =
       parse_connect_str(server->dblink, static_cast<sb4>(server->dblinkLen),
                         &server->host, &server->port, &server->dbname, &server->uri);
-  if (!understood) return zev::fail(errhp, 12154);
+  if (!understood) {
+    const sword found = zev::tnsnames::resolve(server, errhp);
+    if (found != OCI_SUCCESS) return found;
+    useDefaults(server);
+  }
   return isComplete(server) ? OCI_SUCCESS : zev::fail(errhp, 16506);
 }
 
@@ -178,7 +188,7 @@ ZEV_API sword OCIServerAttach(OCIServer *srvhp, OCIError *errhp, const OraText *
       [&](sword &status) {
         const sword outcome = settleAddress(srvhp, errhp, env, dblink, dblink_len);
         if (outcome != OCI_SUCCESS) {
-          forgetAddress(srvhp);
+          forgetParts(srvhp);  // the connect string stays until the next attempt
           status = outcome;
           return zev::Leave::AtOnce;
         }

@@ -2,22 +2,7 @@
 /// scanner and the parser work on belongs to the thread.
 #pragma once
 
-#include <oratypes.h>
-
-#include <cstdint>
-
-#include "zevoci/api.h"
-
-/// A parsed block.
-struct callableStmt {
-  ub4 tag;     ///< kCallableStmtTag
-  char *text;  ///< owned; "CALL name ( :a , :b );"
-  std::uint64_t hasReturn;
-  char *returnParam;  ///< owned; with its colon, or null
-  char *name;         ///< owned; the routine as written
-};
-
-constexpr ub4 kCallableStmtTag = 6;
+#include "zevoci/parse_nodes.h"
 
 extern "C" {
 /// The thread's result of yyparse; null for an empty text. Whoever takes it sets null.
@@ -31,8 +16,6 @@ ZEV_HELPER void scanner_finish();
 /// exported: every program may have one.
 int yyparse();
 
-/// Frees a block with its texts; does nothing for null and for a wrong tag.
-ZEV_HELPER void ReleaseOCICallableStmt(callableStmt *node);
 /// The token of a keyword, in any case of its ASCII letters; 0 for another word.
 ZEV_HELPER int ScanGramKeywordLookup(const char *word);
 /// A new copy of a text, freed by the caller.

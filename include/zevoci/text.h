@@ -17,7 +17,8 @@ ZEV_HELPER char *strtrim(const char *text);
 /// A NUL-terminated copy of `length` bytes, freed by the caller; null when memory runs
 /// out.
 ZEV_HELPER char *makeString(const void *text, std::size_t length);
-/// Comparisons without regard to the case of ASCII letters, as strcmp and strncmp.
+/// Comparisons without regard to the case of ASCII letters, as strcmp and strncmp;
+/// oci_stricmp also of those that the process's locale has in single bytes above 127.
 ZEV_HELPER int oci_strcasecmp(const char *a, const char *b);
 ZEV_HELPER int oci_strncasecmp(const char *a, const char *b, std::size_t n);
 ZEV_HELPER int oci_stricmp(const char *a, const char *b);

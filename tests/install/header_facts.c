@@ -1227,6 +1227,10 @@ FUNCTION(boolean, OCICharSetConversionIsReplacementUsed, (void *));
 FUNCTION(sword, OCICharSetToUnicode, (void *, ub2 *, size_t, const OraText *, size_t,
          size_t *));
 FUNCTION(void, OCIClientVersion, (sword *, sword *, sword *, sword *, sword *));
+FUNCTION(sword, OCIConnectionPoolCreate, (OCIEnv *, OCIError *, OCICPool *, OraText **,
+         sb4 *, const OraText *, sb4, ub4, ub4, ub4, const OraText *, sb4, const OraText *,
+         sb4, ub4));
+FUNCTION(sword, OCIConnectionPoolDestroy, (OCICPool *, OCIError *, ub4));
 FUNCTION(sword, OCIContextGetValue, (void *, OCIError *, ub1 *, ub1, void **));
 FUNCTION(sword, OCIContextSetValue, (void *, OCIError *, OCIDuration, ub1 *, ub1, void *));
 FUNCTION(sword, OCIDateAddDays, (OCIError *, const OCIDate *, sb4, OCIDate *));
@@ -1481,6 +1485,13 @@ FUNCTION(sword, OCIServerRelease, (void *, OCIError *, OraText *, ub4, ub1, ub4 
 FUNCTION(sword, OCIServerVersion, (void *, OCIError *, OraText *, ub4, ub1));
 FUNCTION(sword, OCISessionBegin, (OCISvcCtx *, OCIError *, OCISession *, ub4, ub4));
 FUNCTION(sword, OCISessionEnd, (OCISvcCtx *, OCIError *, OCISession *, ub4));
+FUNCTION(sword, OCISessionGet, (OCIEnv *, OCIError *, OCISvcCtx **, OCIAuthInfo *,
+         OraText *, ub4, const OraText *, ub4, OraText **, ub4 *, boolean *, ub4));
+FUNCTION(sword, OCISessionPoolCreate, (OCIEnv *, OCIError *, OCISPool *, OraText **,
+         ub4 *, const OraText *, ub4, ub4, ub4, ub4, OraText *, ub4, OraText *, ub4,
+         ub4));
+FUNCTION(sword, OCISessionPoolDestroy, (OCISPool *, OCIError *, ub4));
+FUNCTION(sword, OCISessionRelease, (OCISvcCtx *, OCIError *, OraText *, ub4, ub4));
 FUNCTION(sword, OCIStmtExecute, (OCISvcCtx *, OCIStmt *, OCIError *, ub4, ub4, const
          OCISnapshot *, OCISnapshot *, ub4));
 FUNCTION(sword, OCIStmtFetch, (OCIStmt *, OCIError *, ub4, ub2, ub4));

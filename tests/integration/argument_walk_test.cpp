@@ -22,7 +22,8 @@ enum Kind : unsigned {
   kBind = 64,
   kDefine = 128,
   kTrans = 256,
-  kAnyKind = 511,
+  kPool = 512,
+  kAnyKind = 1023,
 };
 
 /// A handle argument: a good value, and the kinds that the function takes there.
@@ -65,6 +66,7 @@ class World {
     OCIAttrGet(svc, OCI_HTYPE_SVCCTX, &srv, nullptr, OCI_ATTR_SERVER, err);
     OCIAttrGet(svc, OCI_HTYPE_SVCCTX, &ses, nullptr, OCI_ATTR_SESSION, err);
     trans = static_cast<OCITrans *>(alloc(OCI_HTYPE_TRANS, env));
+    pool = static_cast<OCISPool *>(alloc(OCI_HTYPE_SPOOL, env));
     OCIAttrSet(svc, OCI_HTYPE_SVCCTX, trans, 0, OCI_ATTR_TRANS, err);
     stmt = static_cast<OCIStmt *>(alloc(OCI_HTYPE_STMT, env));
     EXPECT_EQ(OCIStmtPrepare(stmt, err, text(kSql), sizeof kSql - 1, OCI_NTV_SYNTAX, 0),
@@ -81,6 +83,7 @@ class World {
   ~World() {
     OCIHandleFree(stmt, OCI_HTYPE_STMT);
     OCIHandleFree(trans, OCI_HTYPE_TRANS);
+    OCIHandleFree(pool, OCI_HTYPE_SPOOL);
     OCIHandleFree(err, OCI_HTYPE_ERROR);
   }
   World(const World &) = delete;
@@ -94,7 +97,8 @@ class World {
   std::vector<std::pair<void *, unsigned>> handles() {
     return {{nullptr, 0},       {zeros.data(), 0}, {garbage.data(), 0}, {env, kEnv},
             {err, kError},      {svc, kService},   {srv, kServer},      {ses, kSession},
-            {stmt, kStatement}, {bind, kBind},     {define, kDefine},   {trans, kTrans}};
+            {stmt, kStatement}, {bind, kBind},     {define, kDefine},   {trans, kTrans},
+            {pool, kPool}};
   }
 
   static constexpr char kSql[] = "SELECT :a::int";
@@ -104,6 +108,7 @@ class World {
   OCIServer *srv = nullptr;
   OCISession *ses = nullptr;
   OCITrans *trans = nullptr;
+  OCISPool *pool = nullptr;
   OCIStmt *stmt = nullptr;
   OCIBind *bind = nullptr;
   OCIDefine *define = nullptr;
@@ -245,6 +250,9 @@ TEST_F(ArgumentWalk, EveryHandleArgumentOfEveryFunctionIsChecked) {
   WALK(OCILogon, handle(w.env, kEnv), err(w), data(&w.newService), data(World::text("zev")), ub4{3}, data(World::text("zev")), ub4{3}, data(db), dbLength);
   WALK(OCILogon2, handle(w.env, kEnv), err(w), data(&w.newService), data(World::text("zev")), ub4{3}, data(World::text("zev")), ub4{3}, data(db), dbLength, kNone);
   WALK(OCILogoff, svc(w), err(w));
+  WALK(OCISessionPoolCreate, handle(w.env, kEnv), err(w), handle(w.pool, kPool), data(w.names.data()), data(&w.size), data(static_cast<const OraText *>(nullptr)), kNone, kNone, kNone, kNone, data(static_cast<OraText *>(nullptr)), kNone, data(static_cast<OraText *>(nullptr)), kNone, ub4{99});
+  WALK(OCISessionGet, handle(w.env, kEnv), err(w), data(&w.newService), handle(w.ses, kSession), data(const_cast<OraText *>(db)), dbLength, data(World::text("t")), ub4{1}, data(w.names.data()), data(&w.size), data(static_cast<boolean *>(nullptr)), kNone);
+  WALK(OCISessionRelease, svc(w), err(w), data(w.buffer.data()), kNone, kNone);
   WALK(OCIPing, svc(w), err(w), kNone);
   WALK(OCIBreak, handle<void>(w.svc, kService | kServer), err(w));
   WALK(OCIReset, handle<void>(w.svc, kService | kServer), err(w));

@@ -92,6 +92,8 @@ TEST_F(Logon, NobodyListeningIsRefusedInTheClientLibrarysWords) {
 }
 
 TEST_F(Logon, ANameThatIsNotKnownIsRefused) {
+  setVariable("HOME", "/nonexistent");
+  setVariable("TNS_ADMIN", "/nonexistent");
   expectRefused(
       "a/b:c", at.password,
       "KESTREL-12154: TNS:could not resolve the connect identifier specified \n");

@@ -16,6 +16,8 @@ class Attach : public testing::TestWithParam<ub4> {
     return OCIServerAttach(server, errhp, asText(target), static_cast<sb4>(target.size()),
                            OCI_DEFAULT);
   }
+  // No file of this machine's is asked for a name.
+  Variable home{"HOME", nullptr}, admin{"TNS_ADMIN", nullptr};
   Environment env{GetParam()};
   OCIError *errhp = env.errhp();
   OCIServer *server = env.alloc<OCIServer>(OCI_HTYPE_SERVER);

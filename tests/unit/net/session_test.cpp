@@ -70,6 +70,7 @@ TEST_F(Session, TheServersVersionIsKeptForTheProcess) {
 }
 
 TEST_F(Session, ALogonThatFindsNoAddressLeavesNothing) {
+  const Variable home("HOME", nullptr), admin("TNS_ADMIN", nullptr);
   const ub4 before = list_length(env.get()->children);
   EXPECT_EQ(logonWith(env.get(), errhp, "a/b:c", "x"), OCI_ERROR);
   EXPECT_EQ(list_length(env.get()->children), before);
