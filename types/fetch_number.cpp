@@ -1,4 +1,6 @@
 /// Numbers of the server that are fetched as Oracle's numbers.
+#include <ociap.h>
+
 #include "types/fetch_rules.h"
 #include "types/number.h"
 #include "types/number_printers.h"
@@ -62,8 +64,13 @@ sword fetchVarnum(FETCH_PARAMS) {
   if (isNullField(value, valueLength, format)) {
     return deliverNull(errhp, indicator, returnCode);
   }
+  // The bytes are taken as they come, in network order.
   if (format == kFieldBinary && valueLength >= static_cast<sb4>(sizeof(Wire))) {
-    return fail(errhp, 3001);
+    auto *const number = static_cast<OCINumber *>(target);
+    const sword status =
+        OCINumberFromInt(errhp, value, sizeof(Wire), OCI_NUMBER_SIGNED, number);
+    if (status == 0) *targetLength = number->OCINumberPart[0] + 1u;
+    return status;
   }
   if (format != kFieldText || *targetLength < 3) return -1;
   return storeNumber<Result::VarnumAndItsLength>(static_cast<const char *>(value), target,

@@ -53,7 +53,9 @@ INSTANTIATE_TEST_SUITE_P(IntegersToVarnum, FetchNumber, testing::Values(
     FetchCase{"BadText",             kInt4, kVnu, 0, "abc",    22, in(22, ""), 22, 0, kNoRecord, -1},
     FetchCase{"OtherFormat",         kInt4, kVnu, 2, "1",      22, in(22, ""), 22, 0, kNoRecord, -1},
     FetchCase{"Null",                kInt2, kVnu, 0, "",       22, in(22, ""), 22, -1, kNoRecord, 0, 1405},
-    FetchCase{"BinaryWaitsForItsMaker", kInt4, kVnu, 1, network<sb4>(1), 22, in(22, ""), 22, 0, 3001, -1}),
+    FetchCase{"BinaryInt4InItsOrder", kInt4, kVnu, 1, network<sb4>(1), 22, in(22, "\x05\xC4\x11\x4E\x49\x11"), 6},
+    FetchCase{"BinaryInt2IsAByte",   kInt2, kVnu, 1, network<sb2>(300), 22, in(22, "\x02\xC1\x02"), 3},
+    FetchCase{"BinaryInt8HasFifteenDigits", kInt8, kVnu, 1, network<sb8>(1), 22, in(22, "\x0A\xC9\x08\x15\x3A\x3C\x29\x26\x5D\x50\x01"), 11}),
     nameOf<FetchCase>);
 
 // The length is the count in the first byte, which does not count itself.

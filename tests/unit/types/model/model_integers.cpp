@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 #include "outcome.h"
@@ -335,7 +337,22 @@ Outcome varnumMember(Run &run) {
   if (run.isNull()) return run.nullRule();
   if (run.call.format == 1) {
     if (run.valueLength < widthOf(run.call.oid)) return run.fails();
-    return run.failsWith(3001);
+    // As it stands in memory, of a short one the first byte, with 15 digits.
+    const std::string bytes = run.call.value;
+    long long raw = static_cast<unsigned char>(bytes[0]);
+    if (widthOf(run.call.oid) != 2) {
+      const long width = widthOf(run.call.oid);
+      raw = fromNetwork(reversed(bytes.substr(0, static_cast<std::size_t>(width))),
+                        static_cast<int>(width));
+    }
+    char digits[40], plain[120];
+    std::snprintf(digits, sizeof digits, "%.14E", static_cast<double>(raw));
+    std::snprintf(plain, sizeof plain, "%.40Lf", std::strtold(digits, nullptr));
+    const optional<string> binary = toVarnum(plain);
+    if (!binary) return run.fails();
+    run.put(0, *binary);
+    run.setLength(static_cast<unsigned char>((*binary)[0]) + 1);
+    return run.returns(0);
   }
   if (run.call.format != 0 || run.cap < 3) return run.fails();
   const optional<string> number = toVarnum(run.cText());
