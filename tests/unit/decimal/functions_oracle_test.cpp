@@ -31,7 +31,7 @@ struct Row {
 };
 
 std::string withSign(Random &random, bool isSigned, std::string text) {
-  return isSigned && random() % 2 ? "-" + text : text;
+  return isSigned && text[0] != '-' && random() % 2 ? "-" + text : text;
 }
 
 /// Within a distance of 10 to the -1 down to -60 of one of the points.
@@ -93,9 +93,9 @@ long bitsFor(M_APM x, int places) {
 }
 
 // All digits of a result are right. It is rounded once, from eight guard digits and more of
-// which some are lost on the way: therefore a value within 0.005 of the middle between two
+// which some are lost on the way: therefore a value within 0.001 of the middle between two
 // results may go to either side.
-constexpr double kAllowed = 0.505;
+constexpr double kAllowed = 0.501;
 
 class Functions : public testing::TestWithParam<Row> {};
 
@@ -191,11 +191,6 @@ TEST(DecimalFunctions, IntegerPowAgreesWithMpfr) {
     const std::string x =
         "0." + randomDigits(random, between(random, 1, 40)) + "E" +
         std::to_string(between(random, digits > 5 ? 0 : -20, digits > 5 ? 2 : 20));
-    const Engine2 engine = [](M_APM r, int places, M_APM a, M_APM b) {
-      m_apm_integer_pow(r, places, a, std::stoi(Number(b ? "0" : "0").text()));
-      static_cast<void>(b);
-    };
-    static_cast<void>(engine);
     const Number base(x), result;
     const int sign = random() % 2 ? 1 : -1, places = somePlaces(random);
     m_apm_integer_pow(result, places, base, sign * n);
