@@ -1,8 +1,9 @@
+#include "decimal/divide.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
-#include "decimal/divide.h"
 #include "decimal/engine.h"
 
 namespace zev::decimal {

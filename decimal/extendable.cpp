@@ -66,8 +66,8 @@ void M_calculate_PI_AGM(M_APM r, int places) {
 }
 
 void M_log_AGM_R_func(M_APM r, int places, M_APM a, M_APM b) {
-  // The means are kept so precise that what they differ by in the end stays below what ends
-  // the sum, as often as that is doubled.
+  // The means are kept so precise that what they differ by in the end stays below what
+  // ends the sum, as often as that is doubled.
   const int working = places + 8, precise = working + 12;
   const Scratch x, y, half, sum, square, other, k;
   m_apm_copy(x, a);

@@ -97,9 +97,8 @@ void divideAndConquer(Byte *out, const Byte *a, const Byte *b, int n, Byte *spac
   const auto whole = static_cast<std::size_t>(n);
   Byte *differenceA = space, *differenceB = space + half, *stmp = space + whole;
   Byte *products = stmp + whole, *deeper = products + 2 * whole;
-  const int sign =
-      M_fmul_subtract(differenceA, a, a + half, half) *
-      M_fmul_subtract(differenceB, b + half, b, half);
+  const int sign = M_fmul_subtract(differenceA, a, a + half, half) *
+                   M_fmul_subtract(differenceB, b + half, b, half);
   if (sign != 0) divideAndConquer(stmp, differenceA, differenceB, half, deeper);
   divideAndConquer(products, a, b, half, deeper);
   divideAndConquer(products + whole, a + half, b + half, half, deeper);
@@ -129,8 +128,7 @@ int M_next_power_of_2(int n) {
   if (n < 3) return n;
   constexpr int kLargest = 1 << 30;
   if (n > kLargest)
-    M_apm_log_error_msg(1,
-                        "'M_next_power_of_2', ERROR :sizeof(int) too small ??");
+    M_apm_log_error_msg(1, "'M_next_power_of_2', ERROR :sizeof(int) too small ??");
   return static_cast<int>(std::bit_ceil(static_cast<unsigned>(n)));
 }
 
@@ -150,9 +148,9 @@ void M_fast_multiply(M_APM r, M_APM a, M_APM b) {
 }
 
 void M_fmul_div_conq(Byte *out, const Byte *a, const Byte *b, int n) {
-  Byte *space = n > kLongestTransform ? engine().mul_stack_data.sized(
-                                            workingSpace(n), "M_fmul_div_conq")
-                                      : nullptr;
+  Byte *space = n > kLongestTransform
+                    ? engine().mul_stack_data.sized(workingSpace(n), "M_fmul_div_conq")
+                    : nullptr;
   divideAndConquer(out, a, b, n, space);
 }
 

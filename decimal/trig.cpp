@@ -83,6 +83,11 @@ void M_5x_do_it(M_APM r, int places, M_APM sine) {
   const Scratch square, factor, product;
   // What is subtracted is up to a hundred times what is left.
   const int working = places + 4;
+  if (isSquareLost(sine, places)) {
+    m_apm_multiply(product, sine, MM_Five);
+    m_apm_round(r, places, product);
+    return;
+  }
   m_apm_multiply(product, sine, sine);
   m_apm_round(square, working, product);
   m_apm_multiply(product, square, MM_5x_Sixteen);

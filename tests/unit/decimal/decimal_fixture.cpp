@@ -4,6 +4,16 @@
 #include <cstdlib>
 
 namespace zevtest {
+namespace {
+
+/// What MPFR keeps for itself is no leak.
+class MpfrCache : public testing::Environment {
+  void TearDown() override { mpfr_free_cache(); }
+};
+const testing::Environment *const kMpfrCache =
+    testing::AddGlobalTestEnvironment(new MpfrCache);
+
+}  // namespace
 
 std::string Number::scientific(int places) const {
   const int digits = places < 0 ? number_->digitCount : places;
@@ -49,8 +59,7 @@ std::mt19937_64 randomGenerator() {
   const std::uint64_t run =
       given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
   std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  const std::string name =
-      testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
   return std::mt19937_64(run ^ std::hash<std::string>{}(name));
 }
 
@@ -97,7 +106,8 @@ void expectNormalForm(M_APM number) {
   }
   EXPECT_TRUE(number->sign == 1 || number->sign == -1);
   EXPECT_GE(first, 10);
-  for (int i = 0; i < (number->digitCount + 1) / 2; ++i) EXPECT_LT(number->digits[i], 100);
+  for (int i = 0; i < (number->digitCount + 1) / 2; ++i)
+    EXPECT_LT(number->digits[i], 100);
   if (number->digitCount % 2 == 0)
     EXPECT_NE(last % 10, 0);
   else

@@ -13,8 +13,8 @@ using Random = std::mt19937_64;
 using Engine1 = void (*)(M_APM, int, M_APM);
 using Oracle1 = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 
-/// Where arguments come from: a sign, a range of exponents, and points near which a method
-/// gives way to another or the function vanishes.
+/// Where arguments come from: a sign, a range of exponents, and points near which a
+/// method gives way to another or the function vanishes.
 struct Domain {
   int lowest, highest;               ///< stored exponents
   bool isSigned;                     ///< both signs
@@ -48,7 +48,8 @@ std::string nearPoint(Random &random, const Domain &domain) {
     m_apm_set_string(base, point);
   }
   if (random() % 8 == 0) return base.text();
-  m_apm_set_string(factor, withSign(random, true, "0." + randomDigits(random, 9)).c_str());
+  m_apm_set_string(factor,
+                   withSign(random, true, "0." + randomDigits(random, 9)).c_str());
   m_apm_multiply(sum, offset, factor);
   m_apm_add(offset, base, sum);
   return offset.text();
@@ -92,9 +93,9 @@ long bitsFor(M_APM x, int places) {
   return std::max(400L, static_cast<long>(digits * 3.33));
 }
 
-// All digits of a result are right. It is rounded once, from eight guard digits and more of
-// which some are lost on the way: therefore a value within 0.001 of the middle between two
-// results may go to either side.
+// All digits of a result are right. It is rounded once, from eight guard digits and more
+// of which some are lost on the way: therefore a value within 0.001 of the middle between
+// two results may go to either side.
 constexpr double kAllowed = 0.501;
 
 class Functions : public testing::TestWithParam<Row> {};
@@ -145,7 +146,7 @@ const Row kRows[] = {
 // clang-format on
 
 INSTANTIATE_TEST_SUITE_P(Decimal, Functions, testing::ValuesIn(kRows),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         [](const auto &row) { return std::string(row.param.name); });
 
 /// Functions of two arguments.
 using Engine2 = void (*)(M_APM, int, M_APM, M_APM);
@@ -208,8 +209,8 @@ TEST(DecimalFunctions, Arctan2AgreesWithMpfr) {
   const Domain domain{-40, 40, true, {"1", "1E-4", "1000"}};
   for (int i = rounds(400, 100'000); i > 0; --i) {
     const std::string y = withSign(random, true, anywhere(random, domain));
-    const std::string x =
-        withSign(random, true, random() % 4 ? anywhere(random, domain) : y.substr(y[0] == '-'));
+    const std::string x = withSign(
+        random, true, random() % 4 ? anywhere(random, domain) : y.substr(y[0] == '-'));
     expectAgreement("arctan2", m_apm_arctan2, mpfr_atan2, y, x, somePlaces(random));
     if (HasFatalFailure()) return;
   }
@@ -232,7 +233,8 @@ TEST(DecimalFunctions, QuotientsAgreeWithMpfr) {
 TEST(DecimalFunctions, ReciprocalsAgreeWithMpfr) {
   Random random = randomGenerator();
   for (int i = rounds(1000, 100'000); i > 0; --i) {
-    const std::string text = withSign(random, true, anywhere(random, {-300, 300, true, {}}));
+    const std::string text =
+        withSign(random, true, anywhere(random, {-300, 300, true, {}}));
     const int places = somePlaces(random);
     const Number x(text), result;
     m_apm_reciprocal(result, places, x);
