@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bench/cells_by_hand.h"
+#include "bench/error_handle.h"
 #include "bench/measure.h"
 #include "types/conversion_dispatch.h"
 #include "types/number.h"
@@ -75,25 +76,6 @@ std::vector<Pair> pairs() {
        fieldsBy(binaryField)},
   };
 }
-
-class ErrorHandle {
- public:
-  ErrorHandle() {
-    if (OCIEnvCreate(&env_, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0,
-                     nullptr) != OCI_SUCCESS)
-      throw std::runtime_error("no environment");
-    void *handle = nullptr;
-    OCIHandleAlloc(env_, &handle, OCI_HTYPE_ERROR, 0, nullptr);
-    errhp = static_cast<OCIError *>(handle);
-  }
-  ~ErrorHandle() { OCIHandleFree(env_, OCI_HTYPE_ENV); }
-  ErrorHandle(const ErrorHandle &) = delete;
-  ErrorHandle &operator=(const ErrorHandle &) = delete;
-  OCIError *errhp = nullptr;
-
- private:
-  OCIEnv *env_ = nullptr;
-};
 
 /// All fields of a pair, `kPasses` times, by `convert`.
 template <class Convert>

@@ -7,18 +7,21 @@ namespace {
 
 using zev::clearOutputs;
 
-sword sendText(const char *text, void **outBuffer, ub4 *outLength) {
-  const auto size = static_cast<sb4>(std::strlen(text) + 1);
+/// Sends text of a length that has its terminator behind it.
+sword sendText(const char *text, std::size_t length, void **outBuffer, ub4 *outLength) {
+  const auto size = static_cast<sb4>(length + 1);
   if (AllocBufferAndCopy(outBuffer, size, text) != 0) return -1;
   *outLength = static_cast<ub4>(size);
   return 0;
 }
 
-/// Sends a record without a zone.
-sword sendDateTime(PGtm tm, double fsec, void **outBuffer, ub4 *outLength) {
+/// Sends a record with the zone of `tz`, if any.
+sword sendDateTime(PGtm &tm, double fsec, void **outBuffer, ub4 *outLength,
+                   const sb4 *tz = nullptr) {
   char text[zev::kLongestDateTime];
-  if (EncodeDateTime(&tm, nullptr, nullptr, zev::kIsoDates, text, fsec) != 1) return -1;
-  return sendText(text, outBuffer, outLength);
+  zev::TextWriter writer(text);
+  zev::writeDateTime(writer, &tm, tz, nullptr, zev::kIsoDates, fsec);
+  return sendText(text, writer.length(), outBuffer, outLength);
 }
 
 /// The descriptor whose address the program bound.
@@ -77,11 +80,7 @@ sword ConvertSQLT_TIMESTAMP_TZToTIMESTAMPTZOID(BIND_PARAMS) {
   PGtm tm{};
   double count = 0;
   if (DecodeOracleOCIDateTime(descriptor, &tm, &count, 1) != 0) return -1;
-  char text[zev::kLongestDateTime];
-  if (EncodeDateTime(&tm, &descriptor->body->tzSeconds, nullptr, zev::kIsoDates, text,
-                     count) != 1)
-    return -1;
-  return sendText(text, outBuffer, outLength);
+  return sendDateTime(tm, count, outBuffer, outLength, &descriptor->body->tzSeconds);
 }
 
 sword ConvertSQLT_INTERVAL_DSToINTERVALOID(BIND_PARAMS) {
@@ -93,8 +92,8 @@ sword ConvertSQLT_INTERVAL_DSToINTERVALOID(BIND_PARAMS) {
   double fsec = 0;
   interval2tm(descriptor->body->interval, &tm, &fsec);
   char text[zev::kLongestDateTime];
-  EncodeInterval(&tm, zev::kVerboseIntervals, text, 0.0);
-  return sendText(text, outBuffer, outLength);
+  const sb4 length = EncodeInterval(&tm, zev::kVerboseIntervals, text, 0.0);
+  return sendText(text, static_cast<std::size_t>(length), outBuffer, outLength);
 }
 
 }  // extern "C"

@@ -5,6 +5,7 @@
 #include "types/fetch_rules.h"
 #include "types/ocitimestamp/datetime_bytes.h"
 #include "types/ocitimestamp/decode_datetime.h"
+#include "types/ocitimestamp/iso_text.h"
 
 namespace {
 
@@ -12,11 +13,7 @@ using zev::isNullField;
 using zev::kFieldBinary;
 using zev::kFieldText;
 
-/// What a field says.
-struct Moment {
-  PGtm tm{};
-  double fsec = 0;
-};
+using Moment = zev::IsoMoment;
 
 /// Outcomes of reading a field.
 enum class Read { Whole, NotSplit, NotDecoded };
@@ -41,7 +38,7 @@ std::string textOf(const void *value, sb4 valueLength) {
 }
 
 /// Words such as "infinity" are no date that any of these forms can hold.
-Read readText(OCIError *errhp, const void *value, sb4 valueLength, Moment &moment) {
+Read readAnyText(OCIError *errhp, const void *value, sb4 valueLength, Moment &moment) {
   Fields split;
   if (split.split(textOf(value, valueLength)) != 0) return Read::NotSplit;
   sb4 dtype = 0, tz = 0;
@@ -51,6 +48,20 @@ Read readText(OCIError *errhp, const void *value, sb4 valueLength, Moment &momen
   if (dtype == zev::kPlainDate) return Read::Whole;
   AddErrorRecord(errhp, OCI_ERROR, 1891);
   return Read::NotDecoded;
+}
+
+/// Whether a form shows the zone, which is the local one where the text names none.
+enum class Zone { Ignored, Shown };
+
+Read readText(OCIError *errhp, const void *value, sb4 valueLength, Zone zone,
+              Moment &moment) {
+  if (valueLength > 0 &&
+      zev::readIsoText(static_cast<const char *>(value),
+                       static_cast<std::size_t>(valueLength), moment) &&
+      (moment.hasZone || zone == Zone::Ignored))
+    return Read::Whole;
+  moment = {};
+  return readAnyText(errhp, value, valueLength, moment);
 }
 
 Read readBinary(const void *value, sb4 valueLength, Moment &moment) {
@@ -77,10 +88,10 @@ struct ByteRule {
 
 /// Reads a field that is no null.
 Read readField(OCIError *errhp, const void *value, sb4 valueLength, ub1 format,
-               Binary binary, Moment &moment) {
+               Binary binary, Zone zone, Moment &moment) {
   if (format == kFieldBinary && binary == Binary::Timestamp)
     return readBinary(value, valueLength, moment);
-  return readText(errhp, value, valueLength, moment);
+  return readText(errhp, value, valueLength, zone, moment);
 }
 
 bool isKnownFormat(ub1 format) {
@@ -96,7 +107,8 @@ sword fetchBytes(FETCH_PARAMS, const Encode &encode) {
     return zev::deliverNull(errhp, indicator, returnCode);
   if (!isKnownFormat(format)) return -1;
   Moment moment;
-  if (readField(errhp, value, valueLength, format, Rule.binary, moment) != Read::Whole)
+  if (readField(errhp, value, valueLength, format, Rule.binary, Zone::Ignored, moment) !=
+      Read::Whole)
     return Rule.badText == BadText::LeavesTheTarget ? 0 : -1;
   if (Rule.storesLength && format == kFieldText) *targetLength = Rule.size;
   return encode(moment.tm);
@@ -146,7 +158,10 @@ sword fetchDescriptor(FETCH_PARAMS) {
   OCIDateTime *descriptor = zev::asDateTime(zev::readNative<OCIDateTime *>(target));
   if (!descriptor) return -1;
   Moment moment;
-  const Read read = readField(errhp, value, valueLength, format, Rule.binary, moment);
+  constexpr Zone kZone =
+      Rule.parts == DescriptorRule::WithZone ? Zone::Shown : Zone::Ignored;
+  const Read read =
+      readField(errhp, value, valueLength, format, Rule.binary, kZone, moment);
   if (read == Read::NotSplit && Rule.recordsUnreadable)
     AddErrorRecord(errhp, OCI_ERROR, 1843);
   if (read != Read::Whole) return -1;

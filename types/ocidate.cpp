@@ -10,12 +10,6 @@
 
 namespace {
 
-PGtm fieldsOf(const OCIDate &date) {
-  PGtm tm{};
-  DecodeOracleOCIDate(&date, &tm, 1);
-  return tm;
-}
-
 bool isMonth(sb4 month) {
   return month >= 1 && month <= 12;
 }
@@ -272,15 +266,12 @@ ZEV_API sword OCIDateToText(OCIError *err, const OCIDate *date, const OraText *f
       nullptr, err, {{date, "2"}, {fmt, "3"}, {buf_size, "6"}, {buf, "7"}}, [&] {
         const zev::dates::Terminated format(fmt, fmt_length);
         TmToChar value{};
-        value.tm = fieldsOf(*date);
+        DecodeOracleOCIDate(date, &value.tm, 1);
         if (!complete(value.tm)) return zev::dates::failAfresh(err, 1841);
-        const zev::Malloced<> text(
-            datetime_to_char_body(err, &value, format.get(), zev::format::kOCIDate));
-        if (!text) return OCI_ERROR;
-        if (*buf_size == 0) return OCI_SUCCESS;
-        const std::size_t length = strnlen(text.get(), *buf_size - 1);
-        std::memcpy(buf, text.get(), length);
-        buf[length] = '\0';
+        zev::format::PrintedText printed;
+        if (!printed.print(err, value, format.get(), zev::format::kOCIDate))
+          return OCI_ERROR;
+        zev::dates::deliverCut(printed.text(), buf, *buf_size);
         return OCI_SUCCESS;
       });
 }

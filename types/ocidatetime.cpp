@@ -174,14 +174,12 @@ bool fillPrinted(const OCIDateTimeBody &body, TmToChar &value) {
   if (isZoned(body)) {
     value.tzHour = body.tzHour;
     value.tzMinute = body.tzMinute;
-  } else {
+  } else if (isLocal(body)) {
     DetermineLocalTimeZone(&value.tm);
-    if (isLocal(body)) {
-      const auto east = static_cast<sb4>(value.tm.tm_gmtoff);
-      tz = east - zev::zoneMinutesOf(body) * 60;
-      value.tzHour = static_cast<sb1>(east / 3600);
-      value.tzMinute = static_cast<ub1>(std::abs(east) / 60 % 60);
-    }
+    const auto east = static_cast<sb4>(value.tm.tm_gmtoff);
+    tz = east - zev::zoneMinutesOf(body) * 60;
+    value.tzHour = static_cast<sb1>(east / 3600);
+    value.tzMinute = static_cast<ub1>(std::abs(east) / 60 % 60);
   }
   static constexpr pg_tz kUtc{};
   Timestamp timestamp = 0;
@@ -305,7 +303,6 @@ void negate(Interval &span) {
 }
 
 sword failNoReference(OCIError *err) {
-  if (!zev::asError(err)) return OCI_INVALID_HANDLE;
   zev::fail(err, 100);
   return OCI_INVALID_HANDLE;
 }
@@ -594,14 +591,10 @@ ZEV_API sword OCIDateTimeToText(void *, OCIError *err, const OCIDateTime *date,
         const zev::dates::Terminated given(fmt, fmt ? fmt_length : 0);
         TmToChar printed{};
         if (!fillPrinted(*value->body, printed)) return zev::dates::failAfresh(err, 1841);
-        const zev::Malloced<> text(datetime_to_char_body(
-            err, &printed, fmt ? given.get() : known.toPrint, known.dateKind));
-        if (!text) return OCI_ERROR;
-        if (*buf_size == 0) return OCI_SUCCESS;
-        const std::size_t length = strnlen(text.get(), *buf_size - 1);
-        std::memcpy(buf, text.get(), length);
-        buf[length] = '\0';
-        *buf_size = static_cast<ub4>(length);
+        zev::format::PrintedText text;
+        if (!text.print(err, printed, fmt ? given.get() : known.toPrint, known.dateKind))
+          return OCI_ERROR;
+        *buf_size = zev::dates::deliverCut(text.text(), buf, *buf_size);
         return OCI_SUCCESS;
       },
       value);

@@ -1,27 +1,11 @@
 /// Columns and binds of dates, times and intervals in every form that programs have.
 #include <cstring>
 
+#include "tests/integration/support/descriptor.h"
 #include "tests/integration/support/statement_fixture.h"
 
 namespace zev::test {
 namespace {
-
-/// A descriptor as programs hold it.
-class Descriptor {
- public:
-  Descriptor(OCIEnv *env, ub4 type) : type_(type) {
-    EXPECT_EQ(OCIDescriptorAlloc(env, &handle_, type, 0, nullptr), OCI_SUCCESS);
-  }
-  ~Descriptor() { EXPECT_EQ(OCIDescriptorFree(handle_, type_), OCI_SUCCESS); }
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-
-  void **address() { return &handle_; }
-
- private:
-  void *handle_ = nullptr;
-  ub4 type_;
-};
 
 class DateTest : public StatementFixture {
  protected:

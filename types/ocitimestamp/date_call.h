@@ -1,10 +1,12 @@
 /// What the functions of dates and times do around their work, and share beside it.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "types/ocitimestamp/datetime_bytes.h"
 #include "zevoci/errors.h"
@@ -49,12 +51,14 @@ inline sword failAfresh(OCIError *err, sb4 code) {
 /// Text of a given length with a terminator behind it. Short ones take no memory.
 class Terminated {
  public:
-  Terminated(const OraText *text, std::size_t length) {
+  /// Not inline: of a length below 256 the compiler makes a string instruction, which
+  /// takes longer than the C library's copy.
+  [[gnu::noinline]] Terminated(const OraText *text, std::size_t length) {
     const auto *chars = reinterpret_cast<const char *>(text);
     if (length >= sizeof short_) {
       long_.assign(chars, length);
     } else {
-      std::memcpy(short_, chars, length);
+      if (length != 0) std::memcpy(short_, chars, length);
       short_[length] = '\0';
     }
   }
@@ -64,5 +68,15 @@ class Terminated {
   char short_[256];
   std::string long_;
 };
+
+/// Puts text with its terminator into `room` bytes, cut where it is too long. How many
+/// characters there are of it.
+inline ub4 deliverCut(std::string_view text, OraText *buffer, ub4 room) {
+  if (room == 0) return 0;
+  const std::size_t length = std::min<std::size_t>(text.size(), room - 1);
+  std::memcpy(buffer, text.data(), length);
+  buffer[length] = '\0';
+  return static_cast<ub4>(length);
+}
 
 }  // namespace zev::dates

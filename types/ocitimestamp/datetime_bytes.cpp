@@ -223,8 +223,8 @@ Timestamp ConvertOCIDateTimeToTimestamp(const OCIDateTime *descriptor) {
   PGtm tm{};
   DecodeOracleOCIDate(&body.date, &tm, 1);
   sb4 tz = 0;
-  if (body.dateTimeType != OCI_DTYPE_TIMESTAMP_TZ) DetermineLocalTimeZone(&tm);
   if (body.dateTimeType == OCI_DTYPE_TIMESTAMP_LTZ) {
+    DetermineLocalTimeZone(&tm);
     tz = static_cast<sb4>(tm.tm_gmtoff) - zev::zoneMinutesOf(body) * 60;
   }
   Timestamp timestamp = 0;

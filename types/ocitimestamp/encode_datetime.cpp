@@ -32,10 +32,44 @@ bool hasFraction(const PGtm &tm, double fsec) {
 
 /// Takes zeros off what was written.
 void trim(TextWriter &out) {
-  out.end();
-  char *start = out.at() - out.length();
-  TrimTrailingZeros(start);
-  out.moveTo(start + std::strlen(start));
+  while (out.length() >= 3 && out.at()[-1] == '0' && out.at()[-3] != '.')
+    out.moveTo(out.at() - 1);
+}
+
+bool hasTwoDigits(sb4 value) {
+  return static_cast<ub4>(value) < 100;
+}
+
+void writeIsoDate(TextWriter &out, const PGtm &tm) {
+  out.number(shownYear(tm), 4) << '-';
+  out.number(tm.tm_mon, 2) << '-';
+  out.number(tm.tm_mday, 2);
+}
+
+void writeHourAndMinute(TextWriter &out, const PGtm &tm) {
+  out.number(tm.tm_hour, 2) << ':';
+  out.number(tm.tm_min, 2);
+}
+
+/// "2001-02-03 04:05"; most values have numbers of two digits and a year of four.
+void writeIsoMinute(TextWriter &out, const PGtm &tm) {
+  const bool isUsual = tm.tm_year > 0 && tm.tm_year < 10000 && hasTwoDigits(tm.tm_mon) &&
+                       hasTwoDigits(tm.tm_mday) && hasTwoDigits(tm.tm_hour) &&
+                       hasTwoDigits(tm.tm_min);
+  if (!isUsual) {
+    writeIsoDate(out, tm);
+    out << ' ';
+    return writeHourAndMinute(out, tm);
+  }
+  const auto two = [&out](sb4 value) -> TextWriter & {
+    return out.two(static_cast<unsigned>(value));
+  };
+  two(tm.tm_year / 100);
+  two(tm.tm_year % 100) << '-';
+  two(tm.tm_mon) << '-';
+  two(tm.tm_mday) << ' ';
+  two(tm.tm_hour) << ':';
+  two(tm.tm_min);
 }
 
 /// Seconds in style 1, in which the fraction is a count.
@@ -61,15 +95,12 @@ void writeSeconds(TextWriter &out, const PGtm &tm, double fsec) {
   trim(out);
 }
 
-void writeHourAndMinute(TextWriter &out, const PGtm &tm) {
-  out.number(tm.tm_hour, 2) << ':';
-  out.number(tm.tm_min, 2);
-}
-
-void writeTimezone(TextWriter &out, sb4 tz) {
-  out.end();
-  EncodeTimezone(out.at(), tz);
-  out.moveTo(out.at() + std::strlen(out.at()));
+void writeDisplacement(TextWriter &out, sb4 tz) {
+  const sb8 size = std::abs(sb8{tz});
+  out << (tz <= 0 ? '-' : '+');
+  out.number(size / 3600, 2);
+  if (size % 3600 != 0) (out << ':').number(size / 60 % 60, 2);
+  if (size % 60 != 0) (out << ':').number(size % 60, 2);
 }
 
 /// The zone where it is known, by its name if there is one.
@@ -82,7 +113,7 @@ void writeZone(TextWriter &out, const PGtm &tm, const sb4 *tz,
     return;
   }
   if (afterBlank) out << ' ';
-  writeTimezone(out, *tz);
+  writeDisplacement(out, *tz);
 }
 
 /// Three numbers with separators.
@@ -105,12 +136,6 @@ DateOrder orderOf(const PGtm &tm, sb4 style, bool dayFirst) {
       return dayFirst ? DateOrder{tm.tm_mday, tm.tm_mon, '-', year, '-'}
                       : DateOrder{tm.tm_mon, tm.tm_mday, '-', year, '-'};
   }
-}
-
-void writeIsoDate(TextWriter &out, const PGtm &tm) {
-  out.number(shownYear(tm), 4) << '-';
-  out.number(tm.tm_mon, 2) << '-';
-  out.number(tm.tm_mday, 2);
 }
 
 void writeDate(TextWriter &out, const DateOrder &date) {
@@ -282,17 +307,14 @@ void writeIso(TextWriter &out, const Parts &p) {
 
 }  // namespace
 
-extern "C" {
+namespace zev {
 
-sb4 EncodeDateTime(PGtm *tm, const sb4 *tz, const char *const *zoneName, sb4 style,
-                   char *out, double fsec) {
-  TextWriter text(out);
+void writeDateTime(TextWriter &text, PGtm *tm, const sb4 *tz, const char *const *zoneName,
+                   sb4 style, double fsec) {
   bool showsBc = tm->tm_year < 1;
   switch (style) {
     case zev::kIsoDates:
-      writeIsoDate(text, *tm);
-      text << ' ';
-      writeHourAndMinute(text, *tm);
+      writeIsoMinute(text, *tm);
       writeCountedSeconds(text, *tm, fsec);
       writeZone(text, *tm, tz, nullptr, false);
       break;
@@ -318,6 +340,16 @@ sb4 EncodeDateTime(PGtm *tm, const sb4 *tz, const char *const *zoneName, sb4 sty
   }
   if (showsBc) text << " BC";
   text.end();
+}
+
+}  // namespace zev
+
+extern "C" {
+
+sb4 EncodeDateTime(PGtm *tm, const sb4 *tz, const char *const *zoneName, sb4 style,
+                   char *out, double fsec) {
+  TextWriter text(out);
+  writeDateTime(text, tm, tz, zoneName, style, fsec);
   return 1;
 }
 
@@ -357,11 +389,7 @@ sb4 EncodeInterval(const PGtm *tm, sb4 style, char *out, double fsec) {
 
 void EncodeTimezone(char *out, sb4 tz) {
   TextWriter text(out, std::strlen(out));
-  const sb8 size = std::abs(sb8{tz});
-  text << (tz <= 0 ? '-' : '+');
-  text.number(size / 3600, 2);
-  if (size % 3600 != 0) (text << ':').number(size / 60 % 60, 2);
-  if (size % 60 != 0) (text << ':').number(size % 60, 2);
+  writeDisplacement(text, tz);
   text.end();
 }
 
@@ -374,6 +402,7 @@ void AppendSeconds(char *out, sb4 second, sb4 padded, double fsec) {
   }
   text.fixed(std::fabs(second + fsec), kMicroseconds, padded ? 9 : 0);
   trim(text);
+  text.end();
 }
 
 void TrimTrailingZeros(char *text) {

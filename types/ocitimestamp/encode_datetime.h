@@ -3,6 +3,7 @@
 #pragma once
 
 #include "types/ocitimestamp/calendar.h"
+#include "types/ocitimestamp/text_writer.h"
 
 namespace zev {
 
@@ -19,6 +20,10 @@ enum IntervalStyle : sb4 {
 
 /// Longest text that the functions below write, with its terminator.
 inline constexpr std::size_t kLongestDateTime = 400;
+
+/// As EncodeDateTime, with its terminator behind what was written.
+void writeDateTime(TextWriter &text, PGtm *tm, const sb4 *tz, const char *const *zoneName,
+                   sb4 style, double fsec);
 
 }  // namespace zev
 

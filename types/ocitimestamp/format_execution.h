@@ -1,6 +1,8 @@
 /// Format models at work: values printed through a model, and texts read through one.
 #pragma once
 
+#include <string_view>
+
 #include "types/ocitimestamp/format_model.h"
 #include "zevoci/pgtm.h"
 
@@ -66,6 +68,22 @@ namespace zev::format {
 
 /// The bytes that printing through compiled nodes takes at most, with the terminator.
 std::size_t roomFor(const FormatNode *nodes);
+
+/// A value printed through a model. Short texts take no memory.
+class PrintedText {
+ public:
+  /// False with a record for an illegal model, a value that it cannot print, and without
+  /// memory.
+  bool print(OCIError *errhp, const TmToChar &value, const char *format, sb4 dateKind);
+  std::string_view text() const { return text_; }
+
+ private:
+  char *makeRoom(CompiledModel &model);
+
+  char short_[2048];
+  zev::Malloced<> heap_;
+  std::string_view text_;
+};
 
 /// An element to print, and where.
 struct Printing {

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "types/bytes.h"
+
 namespace {
 using namespace zev::format;
 
@@ -233,7 +235,7 @@ sb4 firstRow(char first) {
 
 constexpr bool suffixesBeginAsTheyMay() {
   for (const KeySuffix *row = DCH_suff; row->name; ++row) {
-    if (!mayBeginSuffix(*row->name)) return false;
+    if (!maySuffixBegin(row->name[0], row->name[1])) return false;
   }
   return true;
 }
@@ -253,10 +255,11 @@ bool standsAt(const char *text, const Row &row) {
 
 namespace zev::format {
 
-const KeyWord *findElement(const char *text) {
+const KeyWord *findElement(const char *text, std::size_t length) {
   const sb4 start = firstRow(*text);
   if (start < 0) return nullptr;
-  const ub8 bits = packed(text, kLongestMatch);
+  const ub8 bits = length >= sizeof(ub8) ? zev::readNative<ub8>(text)
+                                         : packed(text, static_cast<sb4>(length));
   for (sb4 i = start;
        i < kRows && static_cast<ub1>(kPackedNames[i].bits) == static_cast<ub1>(*text);
        ++i) {

@@ -87,12 +87,16 @@ enum Suffix : sb4 {
   kOrdinal = kUpperOrdinal | kLowerOrdinal,
 };
 
-/// As index_seq_search in DCH_keywords.
-const KeyWord *findElement(const char *text);
+/// As index_seq_search in DCH_keywords, in the `length` characters at `text`, of which
+/// there is at least one.
+const KeyWord *findElement(const char *text, std::size_t length);
 
-/// Whether a name of DCH_suff begins with `c`.
-constexpr bool mayBeginSuffix(char c) {
-  return c == 'F' || c == 'S' || c == 'T' || c == 'f' || c == 't';
+/// False where neither character stands at its place in any name of DCH_suff.
+constexpr bool maySuffixBegin(char first, char second) {
+  const bool isFirst =
+      first == 'F' || first == 'S' || first == 'T' || first == 'f' || first == 't';
+  return isFirst && (second == 'M' || second == 'H' || second == 'P' || second == 'm' ||
+                     second == 'h');
 }
 
 }  // namespace zev::format

@@ -1,6 +1,7 @@
 #include "types/ocitimestamp/format_model.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "types/ocitimestamp/format_rules.h"
 #include "types/ocitimestamp/format_words.h"
@@ -51,22 +52,25 @@ void clear(FormatNode &node) {
 /// Turns the text of a model into nodes, from left to right.
 class Compiler {
  public:
-  Compiler(FormatNode *nodes, const char *format, OCIError *errhp, bool isToChar,
+  Compiler(FormatNode *nodes, std::string_view format, OCIError *errhp, bool isToChar,
            sb4 dateKind)
       : first_(nodes),
         node_(nodes),
-        at_(format),
+        at_(format.data()),
+        end_(format.data() + format.size()),
         errhp_(errhp),
         direction_(isToChar ? kPrinting : kReading),
-        dateKind_(dateKind) {}
+        dateKind_(dateKind),
+        classErrors_(classErrorsOf(direction_, dateKind)) {}
 
-  sb4 run() {
-    while (*at_) {
-      if (compileNext() < 0) return -1;
+  /// The end node; null with a record.
+  const FormatNode *run() {
+    while (at_ != end_) {
+      if (compileNext() < 0) return nullptr;
     }
     clear(*node_);
     node_->type = kEndNode;
-    return 0;
+    return node_;
   }
 
  private:
@@ -74,8 +78,8 @@ class Compiler {
     clear(*node_);
     const sb4 prefix = takeSuffix(kPrefix);
     if (prefix == kFillMode) toggleFillMode();
-    if (!*at_) return 0;
-    const KeyWord *key = findElement(at_);
+    if (at_ == end_) return 0;
+    const KeyWord *key = findElement(at_, static_cast<std::size_t>(end_ - at_));
     if (!key) {
       compileText();
       return 0;
@@ -85,8 +89,7 @@ class Compiler {
 
   sb4 compileElement(const KeyWord *key, sb4 prefix) {
     node_->key = key;
-    if (const sb4 error = classErrorOf(key->id, direction_, dateKind_))
-      return fail(errhp_, error);
+    if (const sb4 error = classErrors_[key->id]) return fail(errhp_, error);
     if (direction_ == kReading && mayConflict(key->id) &&
         DuplicateNodeExists(errhp_, first_, node_, dateKind_)) {
       return -1;
@@ -107,7 +110,7 @@ class Compiler {
 
   /// Steps over a prefix or postfix and returns its bit, 0 for none.
   sb4 takeSuffix(sb4 type) {
-    if (!mayBeginSuffix(*at_)) return 0;
+    if (!maySuffixBegin(at_[0], at_[0] ? at_[1] : '\0')) return 0;
     const KeySuffix *found = suff_search(at_, DCH_suff, type);
     if (!found) return 0;
     at_ += found->len;
@@ -199,12 +202,22 @@ class Compiler {
   FormatNode *const first_;
   FormatNode *node_;
   const char *at_;
+  const char *const end_;
   OCIError *const errhp_;
   const Direction direction_;
   const sb4 dateKind_;
+  const ub2 *const classErrors_;
   sb4 fillMode_ = 0;
   Elements seen_ = {};
 };
+
+/// The end node; null with a record.
+const FormatNode *compileNodes(FormatNode *nodes, const char *format, OCIError *errhp,
+                               bool isToChar, sb4 dateKind) {
+  DCH_global_fx = 0;
+  DCH_global_fm = 0;
+  return Compiler(nodes, format, errhp, isToChar, dateKind).run();
+}
 
 }  // namespace
 
@@ -231,8 +244,10 @@ std::size_t nodesNeeded(const char *format) {
 }
 
 bool CompiledModel::makeRoom() {
-  const std::size_t count = nodesNeeded(format_);
   nodes_ = short_;
+  // Even if every two characters were expanded.
+  if (std::strlen(format_) * kLongestMacro / 2 + 1 < kShort) return true;
+  const std::size_t count = nodesNeeded(format_);
   if (count <= kShort) return true;
   heap_.reset(static_cast<FormatNode *>(std::malloc(count * sizeof(FormatNode))));
   nodes_ = heap_.get();
@@ -241,7 +256,8 @@ bool CompiledModel::makeRoom() {
 
 sb4 CompiledModel::compile(OCIError *errhp, bool isToChar, sb4 dateKind) {
   if (!makeRoom()) return fail(errhp, 16506);
-  return parse_format(nodes_, format_, errhp, isToChar, dateKind);
+  end_ = compileNodes(nodes_, format_, errhp, isToChar, dateKind);
+  return end_ ? 0 : -1;
 }
 
 }  // namespace zev::format
@@ -250,9 +266,7 @@ using namespace zev::format;
 
 extern "C" sb4 parse_format(FormatNode *nodes, const char *format, OCIError *errhp,
                             boolean isToChar, sb4 dateKind) {
-  DCH_global_fx = 0;
-  DCH_global_fm = 0;
-  return Compiler(nodes, format, errhp, isToChar != 0, dateKind).run();
+  return compileNodes(nodes, format, errhp, isToChar != 0, dateKind) ? 0 : -1;
 }
 
 extern "C" boolean is_next_separator(const FormatNode *node) {

@@ -78,13 +78,16 @@ class CompiledModel {
   /// As parse_format; also -1, with 16506 recorded, without memory.
   sb4 compile(OCIError *errhp, bool isToChar, sb4 dateKind);
   FormatNode *nodes() { return nodes_; }
+  /// How many there are, without the end node.
+  std::size_t count() const { return static_cast<std::size_t>(end_ - nodes_); }
 
  private:
   bool makeRoom();
 
-  static constexpr std::size_t kShort = 40;
+  static constexpr std::size_t kShort = 128;
   const char *format_;
   FormatNode *nodes_ = nullptr;
+  const FormatNode *end_ = nullptr;
   zev::Malloced<FormatNode> heap_;
   FormatNode short_[kShort];
 };

@@ -30,11 +30,23 @@ sb4 callAction(const FormatNode &node, char *cursor, bool isToChar, sb4 dateKind
                     errhp);
 }
 
+/// Prints an element; the two usual actions without the way over their C signature.
+sb4 printElement(OCIError *errhp, const FormatNode &node, char *out, sb4 dateKind,
+                 void *value) {
+  const FormatAction action = node.key->action;
+  if (action != dch_date && action != dch_time)
+    return callAction(node, out, true, dateKind, value, errhp);
+  const Printing printing{node.key->id, out,  node.suffix,
+                          dateKind,     node, *static_cast<const TmToChar *>(value),
+                          errhp};
+  return action == dch_date ? printDate(printing) : printTime(printing);
+}
+
 /// Prints one node at `out`. The end of what it printed; null with a record.
 char *printNode(OCIError *errhp, const FormatNode &node, char *out, sb4 dateKind,
                 void *value) {
   if (node.type == kElementNode) {
-    const sb4 length = callAction(node, out, true, dateKind, value, errhp);
+    const sb4 length = printElement(errhp, node, out, dateKind, value);
     return length < 0 ? nullptr : out + length;
   }
   if (node.type == kLiteralNode) return stpcpy(out, node.text);
@@ -46,14 +58,14 @@ char *printNode(OCIError *errhp, const FormatNode &node, char *out, sb4 dateKind
   return out + 1;
 }
 
+/// Prints all nodes. The end of the text, which has its terminator; null with a record.
 char *print(OCIError *errhp, const FormatNode *nodes, char *text, sb4 dateKind,
             void *value) {
-  char *out = text;
   for (const FormatNode *node = nodes; node->type != kEndNode; ++node) {
-    out = printNode(errhp, *node, out, dateKind, value);
-    if (!out) return nullptr;
+    text = printNode(errhp, *node, text, dateKind, value);
+    if (!text) return nullptr;
   }
-  *out = '\0';
+  *text = '\0';
   return text;
 }
 
@@ -217,24 +229,49 @@ extern "C" sb4 dch_global(sb4, char *, sb4, boolean, sb4, const FormatNode *, vo
 
 extern "C" char *DCH_processor(OCIError *errhp, const FormatNode *nodes, char *text,
                                boolean isToChar, sb4 dateKind, void *record) {
-  if (isToChar) return print(errhp, nodes, text, dateKind, record);
+  if (isToChar) return print(errhp, nodes, text, dateKind, record) ? text : nullptr;
   return Scanner(errhp, nodes, text, dateKind, record).run() < 0 ? nullptr : text;
 }
 
-extern "C" char *datetime_to_char_body(OCIError *errhp, const TmToChar *value,
-                                       const char *format, sb4 dateKind) {
+namespace zev::format {
+
+char *PrintedText::makeRoom(CompiledModel &model) {
+  if (model.count() * kWidestElement < sizeof short_) return short_;
+  const std::size_t room = roomFor(model.nodes());
+  if (room <= sizeof short_) return short_;
+  heap_.reset(static_cast<char *>(std::malloc(room)));
+  return heap_.get();
+}
+
+bool PrintedText::print(OCIError *errhp, const TmToChar &value, const char *format,
+                        sb4 dateKind) {
   CompiledModel model(format);
-  char *text = nullptr;
+  const char *end = nullptr;
   if (model.compile(errhp, true, dateKind) == 0) {
-    text = static_cast<char *>(std::malloc(roomFor(model.nodes())));
-    auto *record = const_cast<TmToChar *>(value);
-    if (!text) {
+    if (char *const text = makeRoom(model)) {
+      end = zev::format::print(errhp, model.nodes(), text, dateKind,
+                               const_cast<TmToChar *>(&value));
+      if (end) text_ = {text, static_cast<std::size_t>(end - text)};
+    } else {
       fail(errhp, 16506);
-    } else if (!DCH_processor(errhp, model.nodes(), text, 1, dateKind, record)) {
-      std::free(text);
-      text = nullptr;
     }
   }
   DCH_global_fx = 0;
-  return text;
+  return end != nullptr;
+}
+
+}  // namespace zev::format
+
+extern "C" char *datetime_to_char_body(OCIError *errhp, const TmToChar *value,
+                                       const char *format, sb4 dateKind) {
+  PrintedText printed;
+  if (!printed.print(errhp, *value, format, dateKind)) return nullptr;
+  const std::string_view text = printed.text();
+  auto *copy = static_cast<char *>(std::malloc(text.size() + 1));
+  if (!copy) {
+    fail(errhp, 16506);
+    return nullptr;
+  }
+  std::memcpy(copy, text.data(), text.size() + 1);
+  return copy;
 }

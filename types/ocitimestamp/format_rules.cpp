@@ -109,8 +109,8 @@ constexpr ClassErrors kClassErrors;
 
 }  // namespace
 
-sb4 classErrorOf(sb4 id, Direction direction, sb4 dateKind) {
-  return kClassErrors.error[direction - 1][dateKind & (kKinds - 1)][id];
+const ub2 *classErrorsOf(Direction direction, sb4 dateKind) {
+  return kClassErrors.error[direction - 1][dateKind & (kKinds - 1)];
 }
 
 bool conflictsWithOthers(sb4 id) {

@@ -32,8 +32,8 @@ class Elements {
 
 enum Direction : ub1 { kReading = 1, kPrinting = 2, kBoth = 3 };
 
-/// The error of an element for a kind of value, or 0.
-sb4 classErrorOf(sb4 id, Direction direction, sb4 dateKind);
+/// The errors of all elements for a kind of value, 0 for those that it can carry.
+const ub2 *classErrorsOf(Direction direction, sb4 dateKind);
 
 /// Whether an element may conflict with others than itself.
 bool conflictsWithOthers(sb4 id);

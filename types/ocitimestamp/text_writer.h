@@ -3,12 +3,25 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <string_view>
 
 #include "zevoci/handle.h"
 
 namespace zev {
+
+/// "00" to "99".
+struct TwoDigits {
+  constexpr TwoDigits() {
+    for (int i = 0; i < 100; ++i) {
+      text[2 * i] = static_cast<char>('0' + i / 10);
+      text[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+  }
+  char text[200] = {};
+};
+inline constexpr TwoDigits kTwoDigits;
 
 /// Keeps no terminator until `end`.
 class TextWriter {
@@ -25,8 +38,24 @@ class TextWriter {
     at_ = std::copy(text.begin(), text.end(), at_);
     return *this;
   }
+  /// The two digits of a value below 100.
+  TextWriter &two(unsigned value) {
+    std::memcpy(at_, kTwoDigits.text + 2 * value, 2);
+    at_ += 2;
+    return *this;
+  }
   /// With zeros in front up to `width` characters, of which a sign is one.
   TextWriter &number(sb8 value, int width = 0) {
+    if (width == 2 && value >= 0 && value < 100) return two(static_cast<unsigned>(value));
+    if (width == 4 && value >= 0 && value < 10000) {
+      const auto small = static_cast<unsigned>(value);
+      return two(small / 100).two(small % 100);
+    }
+    constexpr std::ptrdiff_t kLongest = 20;
+    if (width == 0 && value >= 0) {
+      at_ = std::to_chars(at_, at_ + kLongest, value).ptr;
+      return *this;
+    }
     char digits[24];
     const ub8 magnitude = value < 0 ? -static_cast<ub8>(value) : static_cast<ub8>(value);
     const char *end = std::to_chars(digits, digits + sizeof digits, magnitude).ptr;
@@ -40,6 +69,10 @@ class TextWriter {
   }
   /// With `decimals` digits behind the point and zeros in front up to `width` characters.
   TextWriter &fixed(double value, int decimals, int width = 0) {
+    constexpr double kExact = 0x1p53;
+    if (decimals == 0 && value >= 0 && value < kExact &&
+        value == static_cast<double>(static_cast<sb8>(value)) && !std::signbit(value))
+      return number(static_cast<sb8>(value), width);
     char digits[352];
     const char *end = std::to_chars(digits, digits + sizeof digits, value,
                                     std::chars_format::fixed, decimals)

@@ -2,6 +2,7 @@
 #include "types/ocitimestamp/encode_datetime.h"
 
 #include <clocale>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <ostream>
@@ -83,6 +84,56 @@ TEST(DateTextOf, CountsAreTheDigitsBehindThePoint) {
     PGtm tm = kPlain;
     EncodeDateTime(&tm, nullptr, nullptr, 1, text, count);
     EXPECT_EQ(std::string(text).substr(16), expected);
+  }
+}
+
+/// Style 1 by the C library: a count's digits follow the seconds, without their last
+/// zeros but for two.
+std::string printedBySystem(const PGtm &tm, double count, const sb4 *tz) {
+  const bool isBc = tm.tm_year < 1;
+  char text[512];
+  int length = std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d",
+                             isBc ? 1 - tm.tm_year : tm.tm_year, tm.tm_mon, tm.tm_mday,
+                             tm.tm_hour, tm.tm_min);
+  if (count != 0 && !isBc) {
+    length += std::snprintf(text + length, 400, ":%d.%0.0f", tm.tm_sec, count);
+    while (text[length - 1] == '0' && text[length - 3] != '.') --length;
+    text[length] = '\0';
+  } else {
+    length += std::snprintf(text + length, 16, ":%02d", tm.tm_sec);
+  }
+  if (tz) {
+    const int size = std::abs(*tz);
+    length +=
+        std::snprintf(text + length, 16, "%c%02d", *tz <= 0 ? '-' : '+', size / 3600);
+    if (size % 3600) length += std::snprintf(text + length, 16, ":%02d", size / 60 % 60);
+    if (size % 60) length += std::snprintf(text + length, 16, ":%02d", size % 60);
+  }
+  return text + std::string(isBc ? " BC" : "");
+}
+
+TEST(DateTextOf, IsWhatTheCLibraryPrints) {
+  std::mt19937_64 random = generator();
+  const auto between = [&](sb4 low, sb4 high) {
+    return std::uniform_int_distribution<sb4>(low, high)(random);
+  };
+  for (int i = 0; i < samples(50000, 5000000); ++i) {
+    const bool isWild = between(0, 9) == 0;
+    const auto field = [&](sb4 low, sb4 high) {
+      return isWild ? between(-1000, 1000) : between(low, high);
+    };
+    PGtm tm =
+        dateTime(between(0, 3) ? between(-4713, 12000) : between(1, 9999), field(1, 12),
+                 field(1, 31), field(0, 23), field(0, 59), field(0, 59));
+    tm.tm_isdst = 0;
+    const sb4 zone = between(0, 3) ? between(-14, 14) * 3600 : between(-54000, 54000);
+    const sb4 *const tz = between(0, 1) ? &zone : nullptr;
+    constexpr double kCounts[] = {0, 1e3, 1e6, 1e9, 1e15, 1e17, 1e22};
+    double count = std::floor(between(0, 100000) / 1e5 * kCounts[between(0, 6)]);
+    if (between(0, 9) == 0) count /= 8;
+    char text[zev::kLongestDateTime];
+    EncodeDateTime(&tm, tz, nullptr, zev::kIsoDates, text, count);
+    ASSERT_EQ(text, printedBySystem(tm, count, tz)) << count;
   }
 }
 

@@ -81,7 +81,8 @@ TEST(Vocabulary, BothWaysToFindAnElementAgree) {
     std::string text = DCH_keywords[random() % kElementLimit].name;
     text.resize(random() % (text.size() + 1));
     while (random() % 2) text += characters[random() % (sizeof characters - 1)];
-    ASSERT_EQ(findElement(text.c_str()), index_seq_search(text.c_str(), DCH_keywords))
+    ASSERT_EQ(findElement(text.c_str(), text.size()),
+              index_seq_search(text.c_str(), DCH_keywords))
         << text;
   }
 }
