@@ -100,6 +100,7 @@ TEST(DecimalLog, OfPowersOfTen) {
 }
 
 TEST(DecimalExp, OfZeroIsOne) {
+  const Number any;  // makes the constants
   EXPECT_EQ(value(m_apm_exp, "0"), "1.0");
   EXPECT_EQ(value(m_apm_exp, "1", 100), rounded(MM_E, 100));
 }
@@ -206,6 +207,7 @@ TEST(DecimalTrig, TheSineOfAStoredPiTellsItsRest) {
 }
 
 TEST(DecimalArc, AtTheEndsAndTheMiddle) {
+  const Number any;  // makes the constants
   EXPECT_EQ(value(m_apm_arcsin, "1", 60), rounded(MM_HALF_PI, 60));
   EXPECT_EQ(value(m_apm_arcsin, "-1", 60), rounded(MM_HALF_PI, 60, -1));
   EXPECT_EQ(value(m_apm_arcsin, "0"), "0.0");
@@ -218,6 +220,7 @@ TEST(DecimalArc, AtTheEndsAndTheMiddle) {
 }
 
 TEST(DecimalArc, OfACoordinate) {
+  const Number any;  // makes the constants
   EXPECT_EQ(value2(m_apm_arctan2, "0", "-1", 60), rounded(MM_PI, 60));
   EXPECT_EQ(value2(m_apm_arctan2, "0", "5"), "0.0");
   EXPECT_EQ(value2(m_apm_arctan2, "2", "0", 60), rounded(MM_HALF_PI, 60));
