@@ -38,10 +38,11 @@ class Operand {
   mpfr_t binary;
 };
 
-/// Operations a second: the best of some rounds, each long enough for the clock.
+/// Operations a second: the best of many rounds, each long enough for the clock and
+/// short enough to stay undisturbed.
 double rate(const std::function<void()> &operation) {
-  constexpr double kRound = 0.02;
-  constexpr int kRounds = 5;
+  constexpr double kRound = 0.001;
+  constexpr int kRounds = 60;
   int count = 1;
   const auto round = [&] {
     return seconds([&] {
