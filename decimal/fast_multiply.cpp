@@ -52,6 +52,8 @@ void unload(Points points) {
 std::int64_t carry(Byte *out, const double *elements, std::size_t count,
                    std::int64_t carried) {
   for (std::size_t j = count; j-- > 0;) {
+    // Elements are not negative but for the transform's error, which is far below a half.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings)
     carried += static_cast<std::int64_t>(elements[j] + 0.5);
     const auto rest = static_cast<std::size_t>(carried % 10000);
     carried /= 10000;

@@ -214,7 +214,7 @@ void m_apm_to_fixpt_string(char *s, int places, M_APM a) {
 
 void m_apm_to_integer_string(char *s, M_APM a) {
   if (a->sign == 0 || a->exponent <= 0) {
-    std::strcpy(s, "0");
+    *putZeros(s, 1) = '\0';
     return;
   }
   if (a->sign < 0) *s++ = '-';

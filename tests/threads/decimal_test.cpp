@@ -41,6 +41,7 @@ std::string results(int round) {
   }
   m_apm_pow(r, places, y, x);
   all += textOf(r) + ' ';
+  m_apm_add(y, y, MM_Two);
   m_apm_divide(r, 300, x, y);
   m_apm_multiply(x, r, r);
   all += textOf(x) + ' ';
