@@ -1,8 +1,9 @@
+#include "decimal/divide.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
-#include "decimal/divide.h"
 #include "decimal/engine.h"
 
 namespace zev::decimal {
@@ -14,10 +15,14 @@ constexpr int kReciprocalPlaces = 250;  ///< from here on by the reciprocal
 /// count. `limbs` gets zeros up to `room`.
 std::size_t toLimbs(Limb *limbs, std::size_t room, M_APM a, int shift) {
   const std::size_t words = wordsFor(std::int64_t{a->digitCount} + shift);
-  Byte *run = engine().M_work1.sized(8 * words, "M_apm_sdivide");
-  layOut(run, words, a, shift);
-  gather(limbs, run, 8 * words);
-  if (room > 2 * words) std::fill(limbs + 2 * words, limbs + room, 0);
+  if (shift == 0) {
+    gather(limbs, a->digits, bytesFor(a->digitCount));
+  } else {
+    Byte *run = engine().M_work1.sized(8 * words, "M_apm_sdivide");
+    layOut(run, words, a, shift);
+    gather(limbs, run, 8 * words);
+  }
+  std::fill(limbs + 2 * words, limbs + std::max(room, 2 * words), 0);
   std::size_t used = 2 * words;
   while (limbs[used - 1] == 0) --used;
   return used;

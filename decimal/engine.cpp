@@ -2,8 +2,7 @@
 
 #include <cxxabi.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <initializer_list>
 #include <new>
 
 extern "C" void *__dso_handle __attribute__((visibility("hidden")));
@@ -57,37 +56,37 @@ struct Constant {
   "0.4342944819032518276511289189166050822943970058036665661144537831658646492" \
   "0887077472922494933843174831870610674476630373364167929"
 
-// Each thread has its own numbers, but the same table of where they are: a row holds how to
-// find a number, not the number.
-#define FOR_EACH_CONSTANT(X)           \
-  X(MM_Zero, "0")                      \
-  X(MM_One, "1")                       \
-  X(MM_Two, "2")                       \
-  X(MM_Three, "3")                     \
-  X(MM_Four, "4")                      \
-  X(MM_Five, "5")                      \
-  X(MM_Ten, "10")                      \
-  X(MM_0_5, "0.5")                     \
-  X(MM_0_85, "0.85")                   \
-  X(MM_5x_125R, "8.0E-3")              \
-  X(MM_5x_64R, "1.5625E-2")            \
-  X(MM_5x_256R, "3.90625E-3")          \
-  X(MM_5x_Eight, "8")                  \
-  X(MM_5x_Sixteen, "16")               \
-  X(MM_5x_Twenty, "20")                \
-  X(MM_LOG_2_BASE_E, LOG_2_TEXT)       \
-  X(MM_LOG_3_BASE_E, LOG_3_TEXT)       \
-  X(MM_LOG_10_BASE_E, LOG_10_TEXT)     \
-  X(MM_LOG_E_BASE_10, LOG_10_OF_E_TEXT)\
-  X(MM_E, E_TEXT)                      \
-  X(MM_PI, PI_TEXT)                    \
-  X(MM_HALF_PI, HALF_PI_TEXT)          \
-  X(MM_2_PI, TWO_PI_TEXT)              \
-  X(MM_lc_PI, PI_TEXT)                 \
-  X(MM_lc_HALF_PI, HALF_PI_TEXT)       \
-  X(MM_lc_2_PI, TWO_PI_TEXT)           \
-  X(MM_lc_log2, LOG_2_TEXT)            \
-  X(MM_lc_log10, LOG_10_TEXT)          \
+// Each thread has its own numbers, but the same table of where they are: a row holds how
+// to find a number, not the number.
+#define FOR_EACH_CONSTANT(X)            \
+  X(MM_Zero, "0")                       \
+  X(MM_One, "1")                        \
+  X(MM_Two, "2")                        \
+  X(MM_Three, "3")                      \
+  X(MM_Four, "4")                       \
+  X(MM_Five, "5")                       \
+  X(MM_Ten, "10")                       \
+  X(MM_0_5, "0.5")                      \
+  X(MM_0_85, "0.85")                    \
+  X(MM_5x_125R, "8.0E-3")               \
+  X(MM_5x_64R, "1.5625E-2")             \
+  X(MM_5x_256R, "3.90625E-3")           \
+  X(MM_5x_Eight, "8")                   \
+  X(MM_5x_Sixteen, "16")                \
+  X(MM_5x_Twenty, "20")                 \
+  X(MM_LOG_2_BASE_E, LOG_2_TEXT)        \
+  X(MM_LOG_3_BASE_E, LOG_3_TEXT)        \
+  X(MM_LOG_10_BASE_E, LOG_10_TEXT)      \
+  X(MM_LOG_E_BASE_10, LOG_10_OF_E_TEXT) \
+  X(MM_E, E_TEXT)                       \
+  X(MM_PI, PI_TEXT)                     \
+  X(MM_HALF_PI, HALF_PI_TEXT)           \
+  X(MM_2_PI, TWO_PI_TEXT)               \
+  X(MM_lc_PI, PI_TEXT)                  \
+  X(MM_lc_HALF_PI, HALF_PI_TEXT)        \
+  X(MM_lc_2_PI, TWO_PI_TEXT)            \
+  X(MM_lc_log2, LOG_2_TEXT)             \
+  X(MM_lc_log10, LOG_10_TEXT)           \
   X(MM_lc_log10R, LOG_10_OF_E_TEXT)
 
 constexpr int kStoredDigits = 128;
@@ -126,18 +125,6 @@ void *allocate(std::size_t bytes, const char *function) {
   return memory;
 }
 
-void failForMemory(const char *function) {
-  char text[128];
-  std::snprintf(text, sizeof text, "'%s', Out of memory", function);
-  M_apm_log_error_msg(1, text);
-  std::abort();
-}
-
-void warn(M_APM r, const char *text) {
-  M_apm_log_error_msg(0, text);
-  M_set_to_zero(r);
-}
-
 }  // namespace zev::decimal
 
 using namespace zev::decimal;
@@ -148,11 +135,6 @@ FOR_EACH_CONSTANT(DEFINE)
 constinit thread_local int MM_lc_PI_digits = kStoredDigits;
 constinit thread_local int MM_lc_log_digits = kStoredDigits;
 constinit thread_local int MM_cpp_min_precision = 30;
-
-void M_apm_log_error_msg(int fatal, const char *text) {
-  std::fprintf(stderr, fatal ? "MAPM Error: %s\n" : "MAPM Warning: %s\n", text);
-  if (fatal) std::exit(100);
-}
 
 void M_free_all_add() {
   engine().M_work1.release();

@@ -15,8 +15,8 @@ extern "C" {
 
 // --- Shaping ---
 
-/// Restores the normal form from any `digitCount` digits. An exponent beyond 32 bits draws
-/// a warning and gives zero.
+/// Restores the normal form from any `digitCount` digits. An exponent beyond 32 bits
+/// draws a warning and gives zero.
 ZEV_HELPER void M_apm_normalize(M_APM number);
 /// Puts `count` zeros before the digits; the value stays.
 ZEV_HELPER void M_apm_scale(M_APM number, int count);

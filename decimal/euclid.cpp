@@ -96,6 +96,7 @@ void fromLimbs(M_APM r, const Limb *limbs, std::size_t count) {
 }  // namespace
 
 bool shortenPair(M_APM x, M_APM y) {
+  if (std::int64_t{x->exponent} - y->exponent > kLimbDigits) return false;
   Engine &own = engine();
   std::size_t count = (static_cast<std::size_t>(x->exponent) + kLimbDigits - 1) / 8;
   if (count < kLeading) return false;

@@ -66,7 +66,9 @@ void M_calculate_PI_AGM(M_APM r, int places) {
 }
 
 void M_log_AGM_R_func(M_APM r, int places, M_APM a, M_APM b) {
-  const int working = places + 8;
+  // The means are kept so precise that what they differ by in the end stays below what
+  // ends the sum, as often as that is doubled.
+  const int working = places + 8, precise = working + 12;
   const Scratch x, y, half, sum, square, other, k;
   m_apm_copy(x, a);
   m_apm_copy(y, b);
@@ -80,9 +82,9 @@ void M_log_AGM_R_func(M_APM r, int places, M_APM a, M_APM b) {
     m_apm_multiply(square, half, k);
     if (square->sign == 0 || square->exponent < -working) break;
     m_apm_subtract(sum, sum, square);
-    m_apm_round(sum, working, sum);
+    m_apm_round(sum, precise, sum);
     m_apm_multiply(k, k, MM_Two);
-    step(x, y, half, working);
+    step(x, y, half, precise);
   }
   m_apm_subtract(sum, sum, square);
   m_apm_reciprocal(r, places, sum);

@@ -38,8 +38,10 @@ class Products {
   /// Multiplies all of them, in a balanced tree, with `rest`.
   void multiplyAll(M_APM r, M_APM rest) {
     const Scratch result;
-    if (used_ < kSlots) m_apm_copy(slots_[used_++], rest);
-    else park(rest);
+    if (used_ < kSlots)
+      m_apm_copy(slots_[used_++], rest);
+    else
+      park(rest);
     for (int distance = 1; distance < used_; distance *= 2) {
       for (int i = 0; i + distance < used_; i += 2 * distance) {
         m_apm_multiply(result, slots_[i], slots_[i + distance]);

@@ -52,6 +52,8 @@ void unload(Points points) {
 std::int64_t carry(Byte *out, const double *elements, std::size_t count,
                    std::int64_t carried) {
   for (std::size_t j = count; j-- > 0;) {
+    // Elements are not negative but for the transform's error, which is far below a half.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings)
     carried += static_cast<std::int64_t>(elements[j] + 0.5);
     const auto rest = static_cast<std::size_t>(carried % 10000);
     carried /= 10000;
@@ -97,9 +99,8 @@ void divideAndConquer(Byte *out, const Byte *a, const Byte *b, int n, Byte *spac
   const auto whole = static_cast<std::size_t>(n);
   Byte *differenceA = space, *differenceB = space + half, *stmp = space + whole;
   Byte *products = stmp + whole, *deeper = products + 2 * whole;
-  const int sign =
-      M_fmul_subtract(differenceA, a, a + half, half) *
-      M_fmul_subtract(differenceB, b + half, b, half);
+  const int sign = M_fmul_subtract(differenceA, a, a + half, half) *
+                   M_fmul_subtract(differenceB, b + half, b, half);
   if (sign != 0) divideAndConquer(stmp, differenceA, differenceB, half, deeper);
   divideAndConquer(products, a, b, half, deeper);
   divideAndConquer(products + whole, a + half, b + half, half, deeper);
@@ -129,8 +130,7 @@ int M_next_power_of_2(int n) {
   if (n < 3) return n;
   constexpr int kLargest = 1 << 30;
   if (n > kLargest)
-    M_apm_log_error_msg(1,
-                        "'M_next_power_of_2', ERROR :sizeof(int) too small ??");
+    M_apm_log_error_msg(1, "'M_next_power_of_2', ERROR :sizeof(int) too small ??");
   return static_cast<int>(std::bit_ceil(static_cast<unsigned>(n)));
 }
 
@@ -150,9 +150,9 @@ void M_fast_multiply(M_APM r, M_APM a, M_APM b) {
 }
 
 void M_fmul_div_conq(Byte *out, const Byte *a, const Byte *b, int n) {
-  Byte *space = n > kLongestTransform ? engine().mul_stack_data.sized(
-                                            workingSpace(n), "M_fmul_div_conq")
-                                      : nullptr;
+  Byte *space = n > kLongestTransform
+                    ? engine().mul_stack_data.sized(workingSpace(n), "M_fmul_div_conq")
+                    : nullptr;
   divideAndConquer(out, a, b, n, space);
 }
 

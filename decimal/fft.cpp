@@ -61,9 +61,21 @@ struct Step {
   std::size_t quarter;
 
   Step(Points p, std::size_t at, std::size_t q, const double *roots)
-      : re0(p.re + at), im0(p.im + at), re1(re0 + q), im1(im0 + q), re2(re1 + q),
-        im2(im1 + q), re3(re2 + q), im3(im2 + q), c1(roots), s1(c1 + q), c2(s1 + q),
-        s2(c2 + q), c3(s2 + q), s3(c3 + q), quarter(q) {}
+      : re0(p.re + at),
+        im0(p.im + at),
+        re1(re0 + q),
+        im1(im0 + q),
+        re2(re1 + q),
+        im2(im1 + q),
+        re3(re2 + q),
+        im3(im2 + q),
+        c1(roots),
+        s1(c1 + q),
+        c2(s1 + q),
+        s2(c2 + q),
+        c3(s2 + q),
+        s3(c3 + q),
+        quarter(q) {}
 };
 
 /// Four points of a block become one each of four blocks of a quarter of its length.
@@ -154,8 +166,7 @@ Weights weightsFor(std::size_t points) {
   double *pairs = own.weights.sized(2 * points, kName);
   if (own.weightPoints < points) {
     for (std::size_t j = 0; j < points; ++j) {
-      const double angle =
-          kPi / 2 * static_cast<double>(j) / static_cast<double>(points);
+      const double angle = kPi / 2 * static_cast<double>(j) / static_cast<double>(points);
       pairs[2 * j] = std::cos(angle);
       pairs[2 * j + 1] = std::sin(angle);
     }

@@ -37,8 +37,7 @@ void m_apm_to_fixpt_stringex(char *s, int places, M_APM a, char radix, char sepa
                              int group) {
   const Scratch magnitude;
   m_apm_absolute_value(magnitude, a);
-  char *plain =
-      engine().M_buf.sized(plainSize(a, places), "m_apm_to_fixpt_stringex");
+  char *plain = engine().M_buf.sized(plainSize(a, places), "m_apm_to_fixpt_stringex");
   m_apm_to_fixpt_string(plain, places, magnitude);
   if (a->sign < 0 && std::strpbrk(plain, "123456789")) *s++ = '-';
   const std::size_t before = std::strcspn(plain, ".");

@@ -92,8 +92,8 @@ std::size_t divideLimbs(Limb *quotient, std::size_t wanted, Limb *rest,
       --q;
     }
     quotient[i] = static_cast<Limb>(q);
-    if (i + n + 1 >= dividend && std::all_of(window + 1, window + n + 1,
-                                            [](Limb limb) { return limb == 0; }))
+    if (i + n + 1 >= dividend &&
+        std::all_of(window + 1, window + n + 1, [](Limb limb) { return limb == 0; }))
       return i + 1;
   }
   return wanted;

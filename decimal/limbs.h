@@ -38,8 +38,8 @@ inline Word wordOfLimbs(Limb first, Limb second) {
   return fours + hundreds * (256 - 100);
 }
 
-/// Gathers `bytes` pairs into limbsFor(bytes) limbs, filled up with zeros. Whole words are
-/// written: `limbs` has room for one more.
+/// Gathers `bytes` pairs into limbsFor(bytes) limbs, filled up with zeros. Whole words
+/// are written: `limbs` has room for one more.
 inline void gather(Limb *limbs, const Byte *pairs, std::size_t bytes) {
   std::size_t at = 0;
   for (; at + 8 <= bytes; at += 8, limbs += 2) {
@@ -61,15 +61,15 @@ inline void spread(Byte *pairs, const Limb *limbs, std::size_t count) {
     storeWord(pairs, wordOfLimbs(limbs[i], i + 1 < count ? limbs[i + 1] : 0));
 }
 
-/// Schoolbook product of `n` by `m` limbs, n + m of them. `columns` is scratch of as many;
-/// a column must not overflow: the lesser count is at most 1800.
+/// Schoolbook product of `n` by `m` limbs, n + m of them. `columns` is scratch of as
+/// many; a column must not overflow: the lesser count is at most 1800.
 void multiplyLimbs(Limb *product, const Limb *a, std::size_t n, const Limb *b,
                    std::size_t m, std::uint64_t *columns);
 
 /// Long division of fractions: `quotient` gets the first `wanted` limbs of
 /// dividend / divisor, which must be below 1, the rest cut off. `rest` is scratch of
-/// restLimbs() limbs, the dividend and zeros behind it. The divisor's first limb is not 0.
-/// Returns the count of limbs made: fewer than wanted when nothing remains.
+/// restLimbs() limbs, the dividend and zeros behind it. The divisor's first limb is not
+/// 0. Returns the count of limbs made: fewer than wanted when nothing remains.
 std::size_t divideLimbs(Limb *quotient, std::size_t wanted, Limb *rest,
                         std::size_t dividend, const Limb *divisor, std::size_t n);
 

@@ -1,10 +1,10 @@
-/// An arbitrary-precision decimal engine: numbers, the four operations, rounding, text and
-/// machine numbers, and the elementary functions.
+/// An arbitrary-precision decimal engine: numbers, the four operations, rounding, text
+/// and machine numbers, and the elementary functions.
 ///
 /// `places` is everywhere the count of digits wanted after the first significant one: 40
 /// places are 41 digits. Where a function takes it, the result is rounded to it, halves
-/// away from zero, unless it says otherwise. A result may stand in the place of an operand
-/// only where that is said.
+/// away from zero, unless it says otherwise. A result may stand in the place of an
+/// operand only where that is said.
 ///
 /// Bad input writes a warning to standard error and gives zero. Exhausted memory ends the
 /// process with status 100. A number, once made, may be used by any one thread at a time;
@@ -73,8 +73,8 @@ extern ZEV_HELPER constinit thread_local int MM_cpp_min_precision;
 // --- Setting and reading ---
 
 /// Reads an optional sign, digits with at most one ".", and an optional exponent behind
-/// "e" or "E"; blanks and tabs may lead. A text without digits is zero. Anything else draws
-/// three warnings and gives zero, as does an exponent that does not fit 32 bits.
+/// "e" or "E"; blanks and tabs may lead. A text without digits is zero. Anything else
+/// draws three warnings and gives zero, as does an exponent that does not fit 32 bits.
 ZEV_HELPER void m_apm_set_string(M_APM r, const char *s);
 ZEV_HELPER void m_apm_set_long(M_APM r, long v);
 /// Keep 15 significant digits. Infinity and NaN draw a warning and give zero.
@@ -87,10 +87,12 @@ ZEV_HELPER void m_apm_set_float(M_APM r, float v);
 ZEV_HELPER void m_apm_to_string(char *s, int places, M_APM a);
 /// Plain text, as "-1250.00", with `places` digits behind the point, halves rounded away
 /// from zero; with all of them, one at least, when `places` is negative; without a point
-/// when it is 0. `s` must have room for all digits before and behind the point and 4 more.
+/// when it is 0. `s` must have room for all digits before and behind the point and 4
+/// more.
 ZEV_HELPER void m_apm_to_fixpt_string(char *s, int places, M_APM a);
-/// The same with `radix` for the point and, unless it is 0, `separator` after each `group`
-/// digits that stand before it. "-" is written only where a digit other than 0 is.
+/// The same with `radix` for the point and, unless it is 0, `separator` after each
+/// `group` digits that stand before it. "-" is written only where a digit other than 0
+/// is.
 ZEV_HELPER void m_apm_to_fixpt_stringex(char *s, int places, M_APM a, char radix,
                                         char separator, int group);
 /// The same into memory that the caller frees with free(); null when there is none.
@@ -123,8 +125,8 @@ ZEV_HELPER void m_apm_subtract(M_APM r, M_APM a, M_APM b);
 ZEV_HELPER void m_apm_multiply(M_APM r, M_APM a, M_APM b);
 /// The integer part of a / b; zero and a warning when `b` is zero.
 ZEV_HELPER void m_apm_integer_divide(M_APM r, M_APM a, M_APM b);
-/// Quotient as above and remainder, a = q b + rem with the sign of `a`. `q` and `rem` must
-/// differ from each other and from the operands.
+/// Quotient as above and remainder, a = q b + rem with the sign of `a`. `q` and `rem`
+/// must differ from each other and from the operands.
 ZEV_HELPER void m_apm_integer_div_rem(M_APM q, M_APM rem, M_APM a, M_APM b);
 /// The largest integer not above, the smallest not below `a`; `r` may be `a`.
 ZEV_HELPER void m_apm_floor(M_APM r, M_APM a);
@@ -133,8 +135,8 @@ ZEV_HELPER void m_apm_ceil(M_APM r, M_APM a);
 ZEV_HELPER void m_apm_integer_pow_nr(M_APM r, M_APM x, int n);
 /// x!; 1 for all up to 1.
 ZEV_HELPER void m_apm_factorial(M_APM r, M_APM x);
-/// Greatest common divisor, not negative, and least common multiple of integers. Fractions
-/// draw a warning and give zero.
+/// Greatest common divisor, not negative, and least common multiple of integers.
+/// Fractions draw a warning and give zero.
 ZEV_HELPER void m_apm_gcd(M_APM r, M_APM a, M_APM b);
 ZEV_HELPER void m_apm_lcm(M_APM r, M_APM a, M_APM b);
 
@@ -142,9 +144,9 @@ ZEV_HELPER void m_apm_lcm(M_APM r, M_APM a, M_APM b);
 
 /// Half away from zero; `r` may be `a`.
 ZEV_HELPER void m_apm_round(M_APM r, int places, M_APM a);
-/// a / b, zero and a warning when `b` is zero. Below 250 places the quotient is cut and not
-/// rounded. A quotient of numbers of which `a` has the larger exponent gets as many more
-/// digits.
+/// a / b, zero and a warning when `b` is zero. Below 250 places the quotient is cut and
+/// not rounded. A quotient of numbers of which `a` has the larger exponent gets as many
+/// more digits.
 ZEV_HELPER void m_apm_divide(M_APM r, int places, M_APM a, M_APM b);
 /// 1 / a, zero and a warning when `a` is zero.
 ZEV_HELPER void m_apm_reciprocal(M_APM r, int places, M_APM a);
@@ -154,9 +156,9 @@ ZEV_HELPER void m_apm_cbrt(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_log(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_log10(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_exp(M_APM r, int places, M_APM x);
-/// x to the power of y; 1 when `y` is zero, else zero when `x` is. A negative `x` wants an
-/// integer `y` of less than 8 digits: any other draws the logarithm's warning and gives
-/// zero.
+/// x to the power of y; 1 when `y` is zero, else zero when `x` is. A negative `x` wants
+/// an integer `y` of less than 8 digits: any other draws the logarithm's warning and
+/// gives zero.
 ZEV_HELPER void m_apm_pow(M_APM r, int places, M_APM x, M_APM y);
 ZEV_HELPER void m_apm_integer_pow(M_APM r, int places, M_APM x, int n);
 

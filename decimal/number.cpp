@@ -44,7 +44,7 @@ int lastIntegerDigit(M_APM a) {
 void growStack(Engine &own) {
   const int slots = own.stackSlots ? own.stackSlots + kMoreSlots : kFirstSlots;
   auto *array = static_cast<M_APM *>(std::realloc(
-      own.M_stack_array, static_cast<std::size_t>(slots) * sizeof(M_APM)));
+      own.M_stack_array, static_cast<std::size_t>(slots) * sizeof *own.M_stack_array));
   if (!array) failForMemory("M_get_stack_var");
   own.M_stack_array = array;
   own.stackSlots = slots;

@@ -20,8 +20,8 @@ bool reachesHalf(M_APM a) {
   return a->digits[0] >= 50;
 }
 
-/// Adds one to the last byte that counts, or ten when only its upper digit does. True when
-/// a carry leaves the first byte, all bytes being 0 then.
+/// Adds one to the last byte that counts, or ten when only its upper digit does. True
+/// when a carry leaves the first byte, all bytes being 0 then.
 bool increment(Byte *digits, std::size_t bytes, int by) {
   for (std::size_t i = bytes; i-- > 0; by = 1) {
     const int pair = digits[i] + by;
@@ -90,8 +90,7 @@ void m_apm_round(M_APM r, int places, M_APM a) {
     m_apm_copy(r, a);
   } else if (digits > 0) {
     // One byte more than is kept decides the rounding; what follows is never read.
-    const std::size_t bytes =
-        std::min(bytesFor(a->digitCount), bytesFor(digits) + 1);
+    const std::size_t bytes = std::min(bytesFor(a->digitCount), bytesFor(digits) + 1);
     if (r != a) {
       ensureBytes(r, bytes, "m_apm_round");
       std::memcpy(r->digits, a->digits, bytes);

@@ -5,9 +5,13 @@
 namespace zev::decimal {
 namespace {
 
+/// A term so far below the sum that it is not worth a longer sum.
+bool isLost(M_APM term, int places, std::int64_t top) {
+  return term->sign == 0 || term->exponent < top - 20 - places;
+}
+
 /// sum += term, term' = term * ratio / divisor(k) and so on, with the signs in `ratio`,
-/// until a term lies `places` + 4 digits below `top`. A term's divisor is for the sum
-/// alone when `isApart`.
+/// until a term lies `places` + 4 digits below `top`.
 template <class Divisor>
 void sumSeries(M_APM sum, M_APM term, M_APM ratio, int places, std::int64_t top,
                Divisor divisor) {
@@ -18,7 +22,7 @@ void sumSeries(M_APM sum, M_APM term, M_APM ratio, int places, std::int64_t top,
     m_apm_multiply(product, term, rounded);
     m_apm_set_long(number, divisor(k));
     m_apm_divide(term, digits, product, number);
-    if (term->sign == 0) return;
+    if (isLost(term, places, top)) return;
     m_apm_add(sum, sum, term);
     if (term->exponent < top - 4 - places) return;
   }
@@ -35,7 +39,7 @@ void sumOverOddNumbers(M_APM sum, M_APM power, M_APM ratio, int places,
     m_apm_round(power, digits, product);
     m_apm_set_long(number, odd);
     m_apm_divide(product, digits, power, number);
-    if (product->sign == 0) return;
+    if (isLost(product, places, top)) return;
     m_apm_add(sum, sum, product);
     if (product->exponent < top - 6 - places) return;
   }

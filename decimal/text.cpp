@@ -1,4 +1,6 @@
 /// Numbers from and to text and machine numbers, whatever the process's locale.
+#include "decimal/text.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -8,7 +10,6 @@
 
 #include "decimal/engine.h"
 #include "decimal/tables.h"
-#include "decimal/text.h"
 
 namespace zev::decimal {
 namespace {
@@ -206,13 +207,14 @@ void m_apm_to_fixpt_string(char *s, int places, M_APM a) {
   *s++ = '.';
   const int zeros = std::min(behind, std::max(0, -exponent));
   s = putZeros(s, zeros);
-  s = putDigits(s, rounded, std::max(exponent, 0), std::max(exponent, 0) + behind - zeros);
+  s = putDigits(s, rounded, std::max(exponent, 0),
+                std::max(exponent, 0) + behind - zeros);
   *s = '\0';
 }
 
 void m_apm_to_integer_string(char *s, M_APM a) {
   if (a->sign == 0 || a->exponent <= 0) {
-    std::strcpy(s, "0");
+    *putZeros(s, 1) = '\0';
     return;
   }
   if (a->sign < 0) *s++ = '-';

@@ -55,7 +55,7 @@ void sineNearZero(M_APM r, int places, M_APM x, int quarterTurns) {
   const Scratch angle, result;
   const int turns = (takeQuarterTurns(angle, places, x) + quarterTurns) % 4;
   m_apm_round(angle, places + 8, angle);
-  M_5x_sin(result, places + 2, angle);
+  M_5x_sin(result, places + 4, angle);
   m_apm_round(r, places, result);
   if (turns == 2) r->sign = -r->sign;
 }
@@ -81,13 +81,20 @@ void M_limit_angle_to_pi(M_APM r, int places, M_APM x) {
 void M_5x_do_it(M_APM r, int places, M_APM sine) {
   // sin 5a = 16 s^5 - 20 s^3 + 5 s = s (5 + s^2 (16 s^2 - 20))
   const Scratch square, factor, product;
+  // What is subtracted is up to a hundred times what is left.
+  const int working = places + 4;
+  if (isSquareLost(sine, places)) {
+    m_apm_multiply(product, sine, MM_Five);
+    m_apm_round(r, places, product);
+    return;
+  }
   m_apm_multiply(product, sine, sine);
-  m_apm_round(square, places, product);
+  m_apm_round(square, working, product);
   m_apm_multiply(product, square, MM_5x_Sixteen);
   m_apm_subtract(factor, product, MM_5x_Twenty);
   m_apm_multiply(product, factor, square);
   m_apm_add(factor, product, MM_Five);
-  m_apm_round(factor, places + 2, factor);
+  m_apm_round(factor, working, factor);
   m_apm_multiply(product, factor, sine);
   m_apm_round(r, places, product);
 }
@@ -137,7 +144,7 @@ void M_cos_to_sin(M_APM r, int places, M_APM c) {
 void m_apm_sin(M_APM r, int places, M_APM x) {
   const Scratch angle, result;
   M_limit_angle_to_pi(angle, places + 6, x);
-  M_5x_sin(result, places + 2, angle);
+  M_5x_sin(result, places + 4, angle);
   if (isNearZero(result) && x->exponent > 0)
     sineNearZero(r, places, x, 0);
   else
@@ -147,7 +154,7 @@ void m_apm_sin(M_APM r, int places, M_APM x) {
 void m_apm_cos(M_APM r, int places, M_APM x) {
   const Scratch angle, result;
   M_limit_angle_to_pi(angle, places + 6, x);
-  M_4x_cos(result, places + 2, angle);
+  M_4x_cos(result, places + 4, angle);
   if (isNearZero(result))
     sineNearZero(r, places, x, 1);
   else
@@ -162,7 +169,7 @@ void m_apm_sin_cos(M_APM sine, M_APM cosine, int places, M_APM x) {
   // Where the cosine is close to 1 or -1 it says too little about the sine.
   M_cos_to_sin(s, working, c);
   s->sign = angle->sign < 0 ? -s->sign : s->sign;
-  if (s->exponent < 0) m_apm_sin(s, working, x);
+  if (s->sign == 0 || s->exponent < 0) m_apm_sin(s, working, x);
   m_apm_round(cosine, places, c);
   m_apm_round(sine, places, s);
 }
