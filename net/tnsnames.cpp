@@ -30,7 +30,7 @@ std::string findFile() {
   for (const Place &place : kPlaces) {
     const char *directory = std::getenv(place.variable);
     if (!directory) continue;
-    const std::string path = std::string(directory) + place.file;
+    std::string path = std::string(directory) + place.file;
     if (path.size() < kPathSize && access(path.c_str(), R_OK) == 0) return path;
   }
   return {};
