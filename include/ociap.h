@@ -1028,6 +1028,28 @@ sword OCIIntervalSetYearMonth(void *hndl, OCIError *err, sb4 yr, sb4 mnth,
 sword OCIIntervalCheck(void *hndl, OCIError *err, const OCIInterval *interval,
                        ub4 *valid);
 
+/* ---- Strings ----
+
+   Text of variable length in environments of object mode; record 21301 in others. A
+   string is made where *lhs or *str is null, and freed by OCIStringResize to 0. A null
+   argument is record 21560. */
+
+sword OCIStringAllocSize(OCIEnv *env, OCIError *err, const OCIString *vs, ub4 *allocsize);
+sword OCIStringAssign(OCIEnv *env, OCIError *err, const OCIString *rhs, OCIString **lhs);
+
+/* Copies text that ends in a NUL; OCI_ERROR for one that is longer than rhs_len. */
+sword OCIStringAssignText(OCIEnv *env, OCIError *err, const OraText *rhs, ub4 rhs_len,
+                          OCIString **lhs);
+
+/* The text, which stays the string's; null outside object mode. */
+OraText *OCIStringPtr(OCIEnv *env, const OCIString *vs);
+
+/* Gives a string room for new_size bytes and forgets its text. */
+sword OCIStringResize(OCIEnv *env, OCIError *err, ub4 new_size, OCIString **str);
+
+/* The length of the text. */
+ub4 OCIStringSize(OCIEnv *env, const OCIString *vs);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1507,6 +1507,12 @@ FUNCTION(sword, OCIStmtPrepare2, (OCISvcCtx *, OCIStmt **, OCIError *, const Ora
 FUNCTION(sword, OCIStmtRelease, (OCIStmt *, OCIError *, const OraText *, ub4, ub4));
 FUNCTION(sword, OCIStmtSetPieceInfo, (void *, ub4, OCIError *, const void *, ub4 *, ub1,
          const void *, ub2 *));
+FUNCTION(sword, OCIStringAllocSize, (OCIEnv *, OCIError *, const OCIString *, ub4 *));
+FUNCTION(sword, OCIStringAssign, (OCIEnv *, OCIError *, const OCIString *, OCIString **));
+FUNCTION(sword, OCIStringAssignText, (OCIEnv *, OCIError *, const OraText *, ub4, OCIString **));
+FUNCTION(OraText *, OCIStringPtr, (OCIEnv *, const OCIString *));
+FUNCTION(sword, OCIStringResize, (OCIEnv *, OCIError *, ub4, OCIString **));
+FUNCTION(ub4, OCIStringSize, (OCIEnv *, const OCIString *));
 FUNCTION(sword, OCITerminate, (ub4));
 FUNCTION(sword, OCIThreadClose, (void *, OCIError *, OCIThreadHandle *));
 FUNCTION(sword, OCIThreadCreate, (void *, OCIError *, void (*)(void *), void *, OCIThreadId
