@@ -34,9 +34,10 @@ constexpr Range kRanges[] = {
 
 /// The integer part of a number, the nearest 32-bit one of what does not fit.
 sb4 integerPart(M_APM number) {
-  constexpr int kMostDigits = 18;
+  // The first digits of a longer one are out of range already.
+  constexpr int kMostDigits = 12;
   sb8 value = 0;
-  for (int i = 0; i < number->exponent && i <= kMostDigits; ++i) {
+  for (int i = 0; i < std::min(number->exponent, kMostDigits); ++i) {
     const int pair = i < number->digitCount ? number->digits[i / 2] : 0;
     value = value * 10 + (i % 2 ? pair % 10 : pair / 10);
   }

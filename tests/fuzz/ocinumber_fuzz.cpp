@@ -2,6 +2,8 @@
 /// formats of any length. Each call ends with a number or a failure, and what it gives is
 /// the same by the direct way to the engine as by that through text.
 #include <ociap.h>
+#include <sanitizer/common_interface_defs.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -30,8 +32,11 @@ void require(bool holds) {
 
 OCIError *errorHandle() {
   static OCIError *errhp = [] {
-    // What has no result is told on standard error, which nobody reads here.
-    std::freopen("/dev/null", "w", stderr);
+    // What has no result is told on standard error, which nobody reads here but for the
+    // sanitizers' reports.
+    const std::intptr_t reports = dup(STDERR_FILENO);
+    __sanitizer_set_report_fd(reinterpret_cast<void *>(reports));
+    if (!std::freopen("/dev/null", "w", stderr)) std::abort();
     OCIEnv *env = nullptr;
     OCIEnvCreate(&env, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr);
     void *handle = nullptr;
