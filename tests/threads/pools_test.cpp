@@ -86,6 +86,7 @@ int useUp() {
 TEST(ThreadsPools, APoolOfEachThread) {
   std::atomic<int> worked{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&worked] {
       for (int round = 0; round < 2; ++round) worked += useUp();
@@ -102,6 +103,7 @@ TEST(ThreadsPools, OnePoolWhoseSessionsGoToManyThreads) {
   std::mutex turn;
   std::atomic<int> worked{0}, ended{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
       std::unique_lock<std::mutex> lock(turn);

@@ -49,6 +49,7 @@ class ThreadsTnsnames : public testing::Test {
   static int attempts(sb4 code) {
     std::atomic<int> count{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
       threads.emplace_back([&count, code] { count += attachOften(code); });
     }
