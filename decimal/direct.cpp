@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "decimal/engine.h"
-#include "types/number.h"
+#include "decimal/exchange.h"
 
 namespace {
 
@@ -19,11 +19,6 @@ bool isPositive(const OCINumber &number) {
 /// Whether a byte stands for 0 in a number of either sign.
 bool isZeroDigit(ub1 byte) {
   return byte == 1 || byte == 101;
-}
-
-void setZero(OCINumber &number) {
-  number.OCINumberPart[0] = 1;
-  number.OCINumberPart[1] = kZero;
 }
 
 }  // namespace
@@ -67,13 +62,13 @@ boolean MAPMIsZero(M_APM number) {
 }
 
 boolean OCINumberIsZero2(const OCINumber *number) {
-  return std::memcmp(number->OCINumberPart, OCIZero.OCINumberPart, 2) == 0;
+  return zev::decimal::isZero(*number);
 }
 
 sword ConvertM_APMToOCINumber(M_APM from, OCINumber *to) {
   if (!from || !to || from->cookie != kAlive) return -1;
   if (MAPMIsZero(from)) {
-    setZero(*to);
+    zev::decimal::writeZero(*to);
     return 0;
   }
   const int bytes = (from->digitCount + 1) / 2;

@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr ub1 kZero = 0x80;
+constexpr ub1 kPositive = 0x80;  ///< in an exponent byte
+constexpr std::size_t kZeroSize = 2;
 constexpr int kMostPairs = 20;
 constexpr ub1 kTerminator = 102;  ///< of a negative number
 
@@ -81,11 +82,6 @@ void roundUp(Aligned &number) {
   ++number.power;
 }
 
-void encodeZero(OCINumber &to) {
-  to.OCINumberPart[0] = 1;
-  to.OCINumberPart[1] = kZero;
-}
-
 /// Cuts zeros off that end the decimals.
 void trim(Aligned &number) {
   const int integral = std::max(number.power, 0);
@@ -94,7 +90,7 @@ void trim(Aligned &number) {
 
 void encode(Aligned &number, bool isNegative, OCINumber &to) {
   trim(number);
-  if (number.count == 0) return encodeZero(to);
+  if (number.count == 0) return zev::decimal::writeZero(to);
   ub1 *const part = to.OCINumberPart;
   const int count = std::min(std::max(number.count, number.power), kMostPairs);
   part[1] = static_cast<ub1>(isNegative ? 63 - number.power : 192 + number.power);
@@ -111,6 +107,14 @@ void encode(Aligned &number, bool isNegative, OCINumber &to) {
 
 namespace zev::decimal {
 
+bool isZero(const OCINumber &number) {
+  return std::memcmp(number.OCINumberPart, OCIZero.OCINumberPart, kZeroSize) == 0;
+}
+
+void writeZero(OCINumber &to) {
+  std::memcpy(to.OCINumberPart, OCIZero.OCINumberPart, kZeroSize);
+}
+
 bool readNumberByText(const OCINumber &from, M_APM to) {
   if (from.OCINumberPart[0] >= sizeof from.OCINumberPart) return false;
   char text[kOperandText];
@@ -122,7 +126,7 @@ bool readNumberByText(const OCINumber &from, M_APM to) {
 bool readNumber(const OCINumber &from, M_APM to) {
   const ub1 *const part = from.OCINumberPart;
   const int length = part[0];
-  const bool isNegative = !(part[1] & kZero);
+  const bool isNegative = !(part[1] & kPositive);
   int count = length - 1;
   if (count > kMostPairs) return false;
   if (isNegative && count > 0 && part[1 + count] == kTerminator) --count;
@@ -156,7 +160,7 @@ bool writeNumberByText(M_APM from, OCINumber &to) {
 bool writeNumber(M_APM from, OCINumber &to) {
   if (from->exponent > kMostIntegerDigits) return writeNumberByText(from, to);
   if (from->sign == 0 || from->exponent < -kDecimals) {
-    encodeZero(to);
+    writeZero(to);
     return true;
   }
   Aligned number;

@@ -17,6 +17,10 @@ namespace zev::decimal {
 
 inline constexpr int kDecimals = 40;  ///< of every result
 
+/// Whether an encoding is that of zero, and the encoding itself.
+bool isZero(const OCINumber &number);
+void writeZero(OCINumber &to);
+
 /// An encoding as a number. False for bytes that are none.
 bool readNumber(const OCINumber &from, M_APM to);
 bool readNumberByText(const OCINumber &from, M_APM to);

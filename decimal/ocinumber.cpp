@@ -18,9 +18,6 @@ namespace {
 
 using namespace zev::decimal;
 
-/// Operations on two numbers take no encoding of no length, where they look.
-enum class Operands { AnyEncoding, OfSomeLength };
-
 bool hasNoLength(const OCINumber *number) {
   return number->OCINumberPart[0] == 0;
 }
@@ -34,21 +31,21 @@ sword computeOne(const OCINumber *number, OCINumber *result, const Compute &comp
   return deliver(w, result);
 }
 
-/// A function of one number.
+/// A function of one number, whose result is reported by `position`.
 template <class Compute>
-sword unary(OCIError *errhp, const OCINumber *number, OCINumber *result,
-            const Compute &compute) {
-  return run(errhp, {{number, "2"}, {result, "3"}},
+sword unary(OCIError *errhp, const OCINumber *number, const char *position,
+            OCINumber *result, const Compute &compute) {
+  return run(errhp, {{number, "2"}, {result, position}},
              [&] { return computeOne(number, result, compute); });
 }
 
-/// A function of two numbers; `emptySecond` is how a second operand without a length is
-/// reported.
+/// A function of two numbers. Where `emptySecond` is given, encodings without a length
+/// count as nulls, and the second one is reported by it.
 template <class Compute>
 sword binary(OCIError *errhp, const OCINumber *a, const OCINumber *b, OCINumber *result,
-             Operands operands, const char *emptySecond, const Compute &compute) {
+             const char *emptySecond, const Compute &compute) {
   return run(errhp, {{a, "2"}, {b, "3"}, {result, "4"}}, [&]() -> sword {
-    if (operands == Operands::OfSomeLength) {
+    if (emptySecond) {
       if (hasNoLength(a)) return zev::failArgument(errhp, "2");
       if (hasNoLength(b)) return zev::failArgument(errhp, emptySecond);
     }
@@ -57,14 +54,6 @@ sword binary(OCIError *errhp, const OCINumber *a, const OCINumber *b, OCINumber 
     compute(w);
     return deliver(w, result);
   });
-}
-
-/// A function of one number and an integer.
-template <class Compute>
-sword withInteger(OCIError *errhp, const OCINumber *number, const char *resultPosition,
-                  OCINumber *result, const Compute &compute) {
-  return run(errhp, {{number, "2"}, {result, resultPosition}},
-             [&] { return computeOne(number, result, compute); });
 }
 
 /// The logarithm of `number` to a base, each part to as many places.
@@ -77,11 +66,6 @@ void logarithm(const Workspace &w) {
 void shift(const Workspace &w, sword digits) {
   m_apm_set_double(w.b, std::pow(10.0, digits));
   m_apm_multiply(w.result, w.a, w.b);
-}
-
-void setZero(OCINumber *number) {
-  number->OCINumberPart[0] = 1;
-  number->OCINumberPart[1] = 0x80;
 }
 
 }  // namespace
@@ -112,16 +96,16 @@ extern "C" {
   X(OCINumberExp,     m_apm_exp(w.result, kDecimals, w.a))                               \
   X(OCINumberLn,      m_apm_log(w.result, kDecimals, w.a))
 
-// Of two numbers:    operands      empty second  what is computed
+// Of two numbers:    empty second    what is computed
 #define BINARY(X)                                                                        \
-  X(OCINumberAdd,     OfSomeLength, "3",          m_apm_add(w.result, w.a, w.b))         \
-  X(OCINumberSub,     OfSomeLength, "3",          m_apm_subtract(w.result, w.a, w.b))    \
-  X(OCINumberMul,     OfSomeLength, "3",          m_apm_multiply(w.result, w.a, w.b))    \
-  X(OCINumberDiv,     OfSomeLength, "3",          m_apm_divide(w.result, kDecimals, w.a, w.b)) \
-  X(OCINumberArcTan2, OfSomeLength, "",           m_apm_arctan2(w.result, kDecimals, w.a, w.b)) \
-  X(OCINumberMod,     AnyEncoding,  "",           m_apm_integer_div_rem(w.rest, w.result, w.a, w.b)) \
-  X(OCINumberPower,   AnyEncoding,  "",           m_apm_pow(w.result, kDecimals, w.a, w.b)) \
-  X(OCINumberLog,     AnyEncoding,  "",           logarithm(w))
+  X(OCINumberAdd,     "3",          m_apm_add(w.result, w.a, w.b))         \
+  X(OCINumberSub,     "3",          m_apm_subtract(w.result, w.a, w.b))    \
+  X(OCINumberMul,     "3",          m_apm_multiply(w.result, w.a, w.b))    \
+  X(OCINumberDiv,     "3",          m_apm_divide(w.result, kDecimals, w.a, w.b)) \
+  X(OCINumberArcTan2, "",           m_apm_arctan2(w.result, kDecimals, w.a, w.b)) \
+  X(OCINumberMod,     nullptr,      m_apm_integer_div_rem(w.rest, w.result, w.a, w.b)) \
+  X(OCINumberPower,   nullptr,      m_apm_pow(w.result, kDecimals, w.a, w.b)) \
+  X(OCINumberLog,     nullptr,      logarithm(w))
 
 // Of a number and an integer:  position of the result, what is computed
 #define WITH_INTEGER(X)                                                                  \
@@ -140,25 +124,23 @@ IN_PLACE(MEMBER)
 
 #define MEMBER(name, compute)                                                     \
   ZEV_API sword name(OCIError *err, const OCINumber *number, OCINumber *result) { \
-    return unary(err, number, result, [](const Workspace &w) { compute; });       \
+    return unary(err, number, "3", result, [](const Workspace &w) { compute; });  \
   }
 UNARY(MEMBER)
 #undef MEMBER
 
-#define MEMBER(name, operands, emptySecond, compute)                        \
-  ZEV_API sword name(OCIError *err, const OCINumber *a, const OCINumber *b, \
-                     OCINumber *result) {                                   \
-    return binary(err, a, b, result, Operands::operands, emptySecond,       \
-                  [](const Workspace &w) { compute; });                     \
+#define MEMBER(name, emptySecond, compute)                                              \
+  ZEV_API sword name(OCIError *err, const OCINumber *a, const OCINumber *b,             \
+                     OCINumber *result) {                                               \
+    return binary(err, a, b, result, emptySecond, [](const Workspace &w) { compute; }); \
   }
 BINARY(MEMBER)
 #undef MEMBER
 
-#define MEMBER(name, position, compute)                                     \
-  ZEV_API sword name(OCIError *err, const OCINumber *number, const sword n, \
-                     OCINumber *result) {                                   \
-    return withInteger(err, number, position, result,                       \
-                       [n](const Workspace &w) { compute; });               \
+#define MEMBER(name, position, compute)                                                \
+  ZEV_API sword name(OCIError *err, const OCINumber *number, const sword n,            \
+                     OCINumber *result) {                                              \
+    return unary(err, number, position, result, [n](const Workspace &w) { compute; }); \
   }
 WITH_INTEGER(MEMBER)
 #undef MEMBER
@@ -176,7 +158,7 @@ ZEV_API sword OCINumberPrec(OCIError *err, const OCINumber *number, eword nDigs,
                             OCINumber *result) {
   return run(err, {{number, "2"}, {result, "3"}}, [&]() -> sword {
     if (nDigs <= 0) {
-      setZero(result);
+      writeZero(*result);
       return OCI_ERROR;
     }
     return computeOne(number, result, [nDigs](const Workspace &w) {

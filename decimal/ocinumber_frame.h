@@ -3,18 +3,11 @@
 
 #include <oci.h>
 
-#include <initializer_list>
-
+#include "core/arguments.h"
 #include "decimal/exchange.h"
 #include "zevoci/errors.h"
 
 namespace zev::decimal {
-
-/// An argument that must not be null, and the number that it is reported by.
-struct Argument {
-  const void *pointer;
-  const char *number;
-};
 
 /// The numbers that a call computes with; they belong to the thread.
 struct Workspace {
@@ -36,9 +29,7 @@ template <class Work>
 sword run(OCIError *errhp, std::initializer_list<Argument> arguments, const Work &work) {
   if (!asError(errhp)) return OCI_INVALID_HANDLE;
   ClearErrorHandle(errhp);
-  for (const auto &[pointer, number] : arguments) {
-    if (!pointer) return failArgument(errhp, number);
-  }
+  if (checkArguments(errhp, arguments) != OCI_SUCCESS) return OCI_ERROR;
   return work();
 }
 

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "decimal/ocinumber_frame.h"
-#include "types/number.h"
 
 namespace {
 
@@ -17,19 +16,10 @@ constexpr ub1 kPositive = 0x80;  ///< in an exponent byte; zero has it too
 constexpr ub1 kPi[] = {21, 0xC1, 4,  15, 16, 93, 66, 36, 90, 80, 33,
                        39, 47,   27, 44, 39, 33, 80, 51, 29, 85, 20};
 
-bool isZero(const OCINumber &number) {
-  return std::memcmp(number.OCINumberPart, OCIZero.OCINumberPart, 2) == 0;
-}
-
-/// Writes a constant; there is no status to return.
-template <std::size_t Size>
-void setConstant(OCIError *errhp, OCINumber *number, const ub1 (&bytes)[Size]) {
-  if (!errhp) return;
-  if (!number) {
-    zev::failArgument(errhp, "2");
-    return;
-  }
-  std::memcpy(number->OCINumberPart, bytes, Size);
+/// Whether a constant can be written; there is no status to return.
+bool isSettable(OCIError *errhp, const OCINumber *number) {
+  if (errhp && !number) zev::failArgument(errhp, "2");
+  return errhp && number;
 }
 
 }  // namespace
@@ -37,12 +27,11 @@ void setConstant(OCIError *errhp, OCINumber *number, const ub1 (&bytes)[Size]) {
 extern "C" {
 
 ZEV_API void OCINumberSetZero(OCIError *err, OCINumber *num) {
-  constexpr ub1 kZero[] = {1, 0x80};
-  setConstant(err, num, kZero);
+  if (isSettable(err, num)) writeZero(*num);
 }
 
 ZEV_API void OCINumberSetPi(OCIError *err, OCINumber *num) {
-  setConstant(err, num, kPi);
+  if (isSettable(err, num)) std::memcpy(num->OCINumberPart, kPi, sizeof kPi);
 }
 
 ZEV_API sword OCINumberAssign(OCIError *err, const OCINumber *from, OCINumber *to) {

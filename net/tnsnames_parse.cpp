@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/keyword_lookup.h"
 #include "net/tnsnames.h"
 #include "net/tnsnames_parser.h"
 #include "net/tnsnames_scanner.h"
@@ -19,13 +20,8 @@ thread_local TnsnamesValue tnsnameslval = {};
 
 namespace {
 
-struct Keyword {
-  std::string_view word;
-  int token;
-};
-
 // clang-format off
-constexpr Keyword kKeywords[] = {
+constexpr zev::Keyword kKeywords[] = {
     {"address",            ADDRESS},
     {"address_list",       ADDRESS_LIST},
     {"backup",             BACKUP},
@@ -81,9 +77,7 @@ constexpr Keyword kKeywords[] = {
 };
 // clang-format on
 static_assert(std::size(kKeywords) == 52);
-static_assert(std::ranges::is_sorted(kKeywords, {}, &Keyword::word));
-
-constexpr std::size_t kLongestWord = 63;
+static_assert(std::ranges::is_sorted(kKeywords, {}, &zev::Keyword::word));
 
 /// What the parser's table gives for a scanner that could not go on.
 constexpr int kFailedToken = TNSerror;
@@ -190,15 +184,7 @@ int tnsnameserror(const char *text) {
 }
 
 int ScanKeywordLookup(const char *word) {
-  char folded[kLongestWord];
-  const std::size_t length = std::strlen(word);
-  if (length > kLongestWord) return 0;
-  std::transform(word, word + length, folded, [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  const std::string_view key(folded, length);
-  const auto found = std::ranges::lower_bound(kKeywords, key, {}, &Keyword::word);
-  return found != std::end(kKeywords) && found->word == key ? found->token : 0;
+  return zev::findKeyword(kKeywords, word);
 }
 
 }  // extern "C"

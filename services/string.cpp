@@ -3,19 +3,13 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
+#include "core/arguments.h"
 #include "core/owned.h"
 #include "zevoci/errors.h"
 #include "zevoci/string_value.h"
 
 namespace {
-
-/// An argument that must not be null, and the number that it is reported by.
-struct Argument {
-  const void *pointer;
-  const char *number;
-};
 
 bool isObjectMode(const OCIEnv *env) {
   return env->mode & OCI_OBJECT;
@@ -23,13 +17,11 @@ bool isObjectMode(const OCIEnv *env) {
 
 /// The checks of all calls with an error handle, then `work`.
 template <class Work>
-sword stringCall(OCIEnv *env, OCIError *errhp, std::initializer_list<Argument> arguments,
-                 const Work &work) {
+sword stringCall(OCIEnv *env, OCIError *errhp,
+                 std::initializer_list<zev::Argument> arguments, const Work &work) {
   if (!zev::asEnv(env) || !zev::asError(errhp)) return OCI_INVALID_HANDLE;
   if (!isObjectMode(env)) return zev::fail(errhp, 21301);
-  for (const auto &[pointer, number] : arguments) {
-    if (!pointer) return zev::failArgument(errhp, number);
-  }
+  if (zev::checkArguments(errhp, arguments) != OCI_SUCCESS) return OCI_ERROR;
   return work();
 }
 

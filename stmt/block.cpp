@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/keyword_lookup.h"
 #include "core/owned.h"
 #include "stmt/block_parser.h"
 #include "stmt/block_scanner.h"
@@ -18,13 +19,7 @@ thread_local callableStmt *parse_stmt_node = nullptr;
 
 namespace {
 
-struct Keyword {
-  std::string_view word;
-  int token;
-};
-
-constexpr Keyword kKeywords[] = {{"begin", 260}, {"end", 261}};
-constexpr std::size_t kLongestWord = 63;
+constexpr zev::Keyword kKeywords[] = {{"begin", 260}, {"end", 261}};
 
 /// A scanner over a text of its own.
 class Scanner {
@@ -105,15 +100,7 @@ void ReleaseOCICallableStmt(callableStmt *node) {
 }
 
 int ScanGramKeywordLookup(const char *word) {
-  char folded[kLongestWord + 1];
-  const std::size_t length = std::strlen(word);
-  if (length > kLongestWord) return 0;
-  std::transform(word, word + length, folded, [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  const std::string_view key(folded, length);
-  const auto found = std::ranges::lower_bound(kKeywords, key, {}, &Keyword::word);
-  return found != std::end(kKeywords) && found->word == key ? found->token : 0;
+  return zev::findKeyword(kKeywords, word);
 }
 
 char *make_str(const char *text) {

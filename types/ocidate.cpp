@@ -14,11 +14,6 @@ bool isMonth(sb4 month) {
   return month >= 1 && month <= 12;
 }
 
-/// Days of a month; 31 for a month that is none.
-sb4 daysOf(sb4 year, sb4 month) {
-  return isMonth(month) ? day_tab[zev::isLeap(year)][month - 1] : 31;
-}
-
 sb4 julianOf(const OCIDate &date) {
   return date2j(date.OCIDateYYYY, date.OCIDateMM, date.OCIDateDD);
 }
@@ -72,7 +67,7 @@ uword VerifyDate(OCIError *err, const OCIDate &date) {
     bool holds;
     uword bits;
   } findings[] = {
-      {day > daysOf(year, month), OCI_DATE_INVALID_DAY},
+      {day > zev::daysOfMonth(year, month), OCI_DATE_INVALID_DAY},
       {day == 0, OCI_DATE_INVALID_DAY | OCI_DATE_DAY_BELOW_VALID},
       {!isMonth(month), OCI_DATE_INVALID_MONTH},
       {month == 0, OCI_DATE_MONTH_BELOW_VALID},
@@ -123,7 +118,7 @@ sb4 weekdayOf(const OCIDate &date) {
 
 bool isRegular(const PGtm &tm) {
   return isMonth(tm.tm_mon) && tm.tm_mday >= 1 &&
-         tm.tm_mday <= daysOf(tm.tm_year, tm.tm_mon) && tm.tm_hour < 24 &&
+         tm.tm_mday <= zev::daysOfMonth(tm.tm_year, tm.tm_mon) && tm.tm_hour < 24 &&
          tm.tm_min < 60 && tm.tm_sec < 60;
 }
 
@@ -169,9 +164,10 @@ ZEV_API sword OCIDateAddMonths(OCIError *err, const OCIDate *date, sb4 num_month
       --year;
     }
     const auto targetYear = static_cast<sb4>(year);
-    const bool isLast = date->OCIDateDD == daysOf(date->OCIDateYYYY, date->OCIDateMM);
+    const bool isLast =
+        date->OCIDateDD == zev::daysOfMonth(date->OCIDateYYYY, date->OCIDateMM);
     setDate(result, *date, targetYear, month,
-            isLast ? daysOf(targetYear, month) : date->OCIDateDD);
+            isLast ? zev::daysOfMonth(targetYear, month) : date->OCIDateDD);
     return OCI_SUCCESS;
   });
 }
@@ -216,7 +212,7 @@ ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_
     if (zev::format::scanDateTime(err, text.get(), format.get(), tm, fsec,
                                   zev::format::kOCIDate) != 0)
       return OCI_ERROR;
-    if (tm.tm_mday > daysOf(tm.tm_year, tm.tm_mon))
+    if (tm.tm_mday > zev::daysOfMonth(tm.tm_year, tm.tm_mon))
       return zev::dates::failAfresh(err, 1839);
     SetOracleOCIDate(date, tm.tm_year, tm.tm_mon, tm.tm_mday, tm.tm_hour, tm.tm_min,
                      tm.tm_sec);
@@ -225,12 +221,12 @@ ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_
 }
 
 ZEV_API sword OCIDateLastDay(OCIError *err, const OCIDate *date, OCIDate *last_day) {
-  return zev::dates::run("Setting Piece Information\n", err,
-                         {{date, "2"}, {last_day, "3"}}, [&] {
-                           const sb4 year = date->OCIDateYYYY, month = date->OCIDateMM;
-                           setDate(last_day, *date, year, month, daysOf(year, month));
-                           return OCI_SUCCESS;
-                         });
+  return zev::dates::run(
+      "Setting Piece Information\n", err, {{date, "2"}, {last_day, "3"}}, [&] {
+        const sb4 year = date->OCIDateYYYY, month = date->OCIDateMM;
+        setDate(last_day, *date, year, month, zev::daysOfMonth(year, month));
+        return OCI_SUCCESS;
+      });
 }
 
 ZEV_API sword OCIDateNextDay(OCIError *err, const OCIDate *date, const OraText *day_p,

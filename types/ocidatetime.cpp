@@ -15,25 +15,16 @@
 
 namespace {
 
-using zev::dates::Argument;
+using zev::Argument;
+using zev::hasTime;
+using zev::hasZone;
+using zev::isLocal;
+using zev::isZoned;
 using zev::dates::Parts;
 
 /// With the catalogue's text.
 sword failWithText(OCIError *err, sb4 code) {
   return zev::fail(err, code, o2pGetErrorText(code));
-}
-
-bool hasTime(const OCIDateTimeBody &body) {
-  return body.dateTimeType != OCI_DTYPE_DATE;
-}
-bool hasZone(const OCIDateTimeBody &body) {
-  return hasTime(body) && body.dateTimeType != OCI_DTYPE_TIMESTAMP;
-}
-bool isLocal(const OCIDateTimeBody &body) {
-  return body.dateTimeType == OCI_DTYPE_TIMESTAMP_LTZ;
-}
-bool isZoned(const OCIDateTimeBody &body) {
-  return body.dateTimeType == OCI_DTYPE_TIMESTAMP_TZ;
 }
 
 /// The frame of all functions: the arguments' checks, then `work` on the bodies of
@@ -108,11 +99,6 @@ Format formatOf(const OCIDateTimeBody &body) {
   }
 }
 
-bool isDayOfMonth(const PGtm &tm) {
-  if (tm.tm_mon < 1 || tm.tm_mon > 12) return tm.tm_mday <= 31;
-  return tm.tm_mday <= day_tab[zev::isLeap(tm.tm_year)][tm.tm_mon - 1];
-}
-
 /// Stores a displacement east; one below an hour west has its sign on the minutes.
 void setZone(OCIDateTimeBody &body, sb4 minutesEast) {
   const sb4 size = std::abs(minutesEast);
@@ -147,7 +133,8 @@ sword readText(OCIError *err, OCIDateTimeBody &body, const char *text,
   double fsec = 0;
   if (do_to_timestamp(err, text, format, &tm, &fsec, formatOf(body).dateKind) != 0)
     return OCI_ERROR;
-  if (!isDayOfMonth(tm)) return failWithText(err, 1839);
+  if (tm.tm_mday > zev::daysOfMonth(tm.tm_year, tm.tm_mon))
+    return failWithText(err, 1839);
   if (hasZone(body)) {
     const auto minutesEast = static_cast<sb4>(tm.tm_gmtoff / 60);
     setZone(body, minutesEast);
@@ -270,7 +257,7 @@ sb4 addMonths(Timestamp &timestamp, sb4 months) {
     tm.tm_mon = static_cast<sb4>(month);
   }
   tm.tm_year = static_cast<sb4>(year);
-  tm.tm_mday = std::min(tm.tm_mday, day_tab[zev::isLeap(tm.tm_year)][tm.tm_mon - 1]);
+  tm.tm_mday = std::min(tm.tm_mday, zev::daysOfMonth(tm.tm_year, tm.tm_mon));
   return tm2timestamp(&tm, fsec, nullptr, &timestamp);
 }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-using zev::dates::Argument;
+using zev::Argument;
 
 constexpr char kEntry[] = "Setting Piece Information\n";  ///< what every call traces
 constexpr double kSecondsPerDay = 86400, kDaysPerMonth = 30, kMonthsPerYear = 12,

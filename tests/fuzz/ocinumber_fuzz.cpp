@@ -10,21 +10,10 @@
 #include <memory>
 
 #include "decimal/exchange.h"
+#include "tests/unit/ocinumber/number_functions.h"
 #include "zevoci/errors.h"
 
 namespace {
-
-using Unary = sword (*)(OCIError *, const OCINumber *, OCINumber *);
-using Binary = sword (*)(OCIError *, const OCINumber *, const OCINumber *, OCINumber *);
-
-constexpr Unary kUnary[] = {
-    OCINumberNeg,    OCINumberAbs,    OCINumberCeil,   OCINumberFloor,  OCINumberSqrt,
-    OCINumberSin,    OCINumberCos,    OCINumberTan,    OCINumberArcSin, OCINumberArcCos,
-    OCINumberArcTan, OCINumberHypSin, OCINumberHypCos, OCINumberHypTan, OCINumberExp,
-    OCINumberLn,     OCINumberAssign};
-constexpr Binary kBinary[] = {OCINumberAdd,   OCINumberSub, OCINumberMul,
-                              OCINumberDiv,   OCINumberMod, OCINumberArcTan2,
-                              OCINumberPower, OCINumberLog};
 
 void require(bool holds) {
   if (!holds) __builtin_trap();
@@ -103,8 +92,10 @@ void compute(Input &input) {
   const OCINumber a = input.number(), b = input.number();
   OCINumber result{};
   requireAlike(a);
-  kUnary[static_cast<std::size_t>(choice) % std::size(kUnary)](errhp, &a, &result);
-  kBinary[static_cast<std::size_t>(choice) % std::size(kBinary)](errhp, &a, &b, &result);
+  zevtest::kUnaryNumbers[static_cast<std::size_t>(choice) %
+                         std::size(zevtest::kUnaryNumbers)](errhp, &a, &result);
+  zevtest::kBinaryNumbers[static_cast<std::size_t>(choice) %
+                          std::size(zevtest::kBinaryNumbers)](errhp, &a, &b, &result);
   OCINumberIntPower(errhp, &a, n, &result);
   OCINumberShift(errhp, &a, n, &result);
   OCINumberPrec(errhp, &a, n, &result);

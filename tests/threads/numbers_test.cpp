@@ -6,23 +6,13 @@
 #include <thread>
 #include <vector>
 
+#include "tests/unit/ocinumber/number_functions.h"
+
 namespace zevtest {
 namespace {
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 60;
-
-using Unary = sword (*)(OCIError *, const OCINumber *, OCINumber *);
-using Binary = sword (*)(OCIError *, const OCINumber *, const OCINumber *, OCINumber *);
-
-constexpr Unary kUnary[] = {
-    OCINumberNeg,    OCINumberAbs,    OCINumberCeil,   OCINumberFloor,
-    OCINumberSqrt,   OCINumberSin,    OCINumberCos,    OCINumberTan,
-    OCINumberArcSin, OCINumberArcCos, OCINumberArcTan, OCINumberHypSin,
-    OCINumberHypCos, OCINumberHypTan, OCINumberExp,    OCINumberLn};
-constexpr Binary kBinary[] = {OCINumberAdd,   OCINumberSub, OCINumberMul,
-                              OCINumberDiv,   OCINumberMod, OCINumberArcTan2,
-                              OCINumberPower, OCINumberLog};
 
 /// The bytes of what every function gives on two numbers, which differ by round.
 std::string computeAll(OCIError *errhp, int round) {
@@ -35,12 +25,12 @@ std::string computeAll(OCIError *errhp, int round) {
     all.append(reinterpret_cast<const char *>(result.OCINumberPart),
                result.OCINumberPart[0] + std::size_t{1});
   };
-  for (const Unary function : kUnary) {
+  for (const UnaryNumber function : kUnaryNumbers) {
     OCINumber result{};
     function(errhp, &a, &result);
     append(result);
   }
-  for (const Binary function : kBinary) {
+  for (const BinaryNumber function : kBinaryNumbers) {
     OCINumber result{};
     function(errhp, &a, &b, &result);
     append(result);

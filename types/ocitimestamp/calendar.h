@@ -96,3 +96,12 @@ ZEV_HELPER void GetCurrentTimeUsec(PGtm *tm, double *fsec, sb4 *tz);
 ZEV_HELPER void GetEpochTime(PGtm *tm);
 ZEV_HELPER Timestamp SetEpochTimestamp(void);
 }
+
+namespace zev {
+
+/// Days of a month; 31 for a number that is none.
+inline sb4 daysOfMonth(sb4 year, sb4 month) {
+  return month >= 1 && month <= 12 ? day_tab[isLeap(year)][month - 1] : 31;
+}
+
+}  // namespace zev

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <initializer_list>
 #include <new>
 #include <string>
 #include <string_view>
 
+#include "core/arguments.h"
 #include "types/ocitimestamp/datetime_bytes.h"
 #include "zevoci/errors.h"
 #include "zevoci/trace.h"
@@ -19,21 +19,13 @@ namespace zev::dates {
 
 enum TraceLevel { kNarrative = 3, kArguments = 4 };
 
-/// An argument that must not be null, and the number that it is reported by.
-struct Argument {
-  const void *pointer;
-  const char *number;
-};
-
 /// What every function does around its work: `line`, if any, is traced.
 template <class Work>
 sword run(const char *line, OCIError *err, std::initializer_list<Argument> arguments,
           const Work &work) {
   if (!zev::asError(err)) return OCI_INVALID_HANDLE;
   if (line) o2pTrace(kNarrative, line);
-  for (const auto &[pointer, number] : arguments) {
-    if (!pointer) return zev::failArgument(err, number);
-  }
+  if (checkArguments(err, arguments) != OCI_SUCCESS) return OCI_ERROR;
   try {
     const sword status = work();
     if (status == OCI_SUCCESS) o2pTrace(kArguments, "\tRETURNING %s\n");

@@ -17,6 +17,21 @@ inline OCIInterval *asInterval(const void *handle) {
   return descriptor && descriptor->body ? descriptor : nullptr;
 }
 
+/// What a value has by its type.
+inline bool hasTime(const OCIDateTimeBody &body) {
+  return body.dateTimeType != OCI_DTYPE_DATE;
+}
+inline bool hasZone(const OCIDateTimeBody &body) {
+  return hasTime(body) && body.dateTimeType != OCI_DTYPE_TIMESTAMP;
+}
+/// Whether the zone is the value's own, and whether it is that of the session.
+inline bool isZoned(const OCIDateTimeBody &body) {
+  return body.dateTimeType == OCI_DTYPE_TIMESTAMP_TZ;
+}
+inline bool isLocal(const OCIDateTimeBody &body) {
+  return body.dateTimeType == OCI_DTYPE_TIMESTAMP_LTZ;
+}
+
 /// The count behind the seconds, which the body holds big-endian.
 ub4 fractionOf(const OCIDateTimeBody &body);
 void setFraction(OCIDateTimeBody &body, ub4 count);

@@ -13,12 +13,6 @@ bool isNegative(ub1 byte) {
   return asSigned(byte) < 0;
 }
 
-ub1 daysOf(sb2 year, ub1 month) {
-  return month >= 1 && month <= 12
-             ? static_cast<ub1>(day_tab[zev::isLeap(year)][month - 1])
-             : ub1{31};
-}
-
 /// Brings `low` into 0 to `size` - 1 by units of `high`; a negative one borrows one more
 /// than it needs.
 void carry(ub1 &low, ub1 &high, int size) {
@@ -46,8 +40,8 @@ void carryDay(Parts &p) {
     } else {
       --p.month;
     }
-    p.day = static_cast<ub1>(p.day + daysOf(p.year, p.month));
-  } else if (p.day > daysOf(p.year, p.month)) {
+    p.day = static_cast<ub1>(p.day + zev::daysOfMonth(p.year, p.month));
+  } else if (p.day > zev::daysOfMonth(p.year, p.month)) {
     p.day = 1;
     ++p.month;
   }
@@ -71,10 +65,8 @@ sword failYear(OCIError *err, sb2 year) {
 
 /// The first of the tests that fails, as a record.
 sword check(OCIError *err, const OCIDateTimeBody &body, const Parts &p) {
-  const ub1 type = body.dateTimeType;
-  const bool isPlain = type == OCI_DTYPE_TIMESTAMP,
-             isZoned = type == OCI_DTYPE_TIMESTAMP_TZ,
-             isLocal = type == OCI_DTYPE_TIMESTAMP_LTZ;
+  const bool isPlain = body.dateTimeType == OCI_DTYPE_TIMESTAMP,
+             isZoned = zev::isZoned(body), isLocal = zev::isLocal(body);
   const PartTest tests[] = {
       {p.year == 0 && p.month == 0 && p.day == 0, 8207},
       {p.year == 0 || p.year > 9999, kYear},
@@ -82,7 +74,7 @@ sword check(OCIError *err, const OCIDateTimeBody &body, const Parts &p) {
       {isNegative(p.day), 1},
       {p.month > 12, 4},
       {p.month == 0, 12},
-      {p.day > daysOf(p.year, p.month), 1},
+      {p.day > zev::daysOfMonth(p.year, p.month), 1},
       {isZoned && isNegative(p.hour), 64},
       {isZoned && isNegative(p.minute), 256},
       {isZoned && isNegative(p.second), 1024},
@@ -124,16 +116,14 @@ void ConstructTmFromData(OCIDate &out, Parts p) {
 
 sword construct(OCIError *err, OCIDateTimeBody &body, const Parts &parts,
                 const char *timezone) {
-  const bool hasTime = body.dateTimeType != OCI_DTYPE_DATE;
-  const bool hasZone = hasTime && body.dateTimeType != OCI_DTYPE_TIMESTAMP;
   body.date = {parts.year, parts.month, parts.day, {0, 0, 0}};
   body.tzHour = 0;
   body.tzMinute = 0;
-  if (hasTime) {
+  if (hasTime(body)) {
     body.date.OCIDateTime = {parts.hour, parts.minute, parts.second};
     setFraction(body, parts.fraction);
   }
-  if (hasZone) {
+  if (hasZone(body)) {
     ub1 second = 0;
     if (DecodeTZ(timezone, &body.tzSeconds, &body.tzHour, &body.tzMinute, &second) ==
         -5) {
@@ -142,12 +132,11 @@ sword construct(OCIError *err, OCIDateTimeBody &body, const Parts &parts,
     }
   }
   if (const sword status = check(err, body, parts); status != OCI_SUCCESS) return status;
-  if (hasZone) {
+  if (hasZone(body)) {
     writeZoneText(body, body.tzHour, body.tzMinute);
-    if (body.dateTimeType == OCI_DTYPE_TIMESTAMP_LTZ)
-      body.tzSeconds = (body.tzHour * 60 + body.tzMinute) * 60;
+    if (isLocal(body)) body.tzSeconds = (body.tzHour * 60 + body.tzMinute) * 60;
   }
-  if (hasTime) ConstructTmFromData(body.date, parts);
+  if (hasTime(body)) ConstructTmFromData(body.date, parts);
   body.valid = 1;
   return OCI_SUCCESS;
 }

@@ -33,7 +33,7 @@ bool readDate(const char *text, PGtm &tm) {
   tm.tm_mday = digits.two(text + 8);
   return digits.areAll() && text[4] == '-' && text[7] == '-' && tm.tm_year != 0 &&
          tm.tm_mon >= 1 && tm.tm_mon <= 12 && tm.tm_mday >= 1 &&
-         tm.tm_mday <= day_tab[zev::isLeap(tm.tm_year)][tm.tm_mon - 1];
+         tm.tm_mday <= zev::daysOfMonth(tm.tm_year, tm.tm_mon);
 }
 
 /// Reads " 04:05:06".
