@@ -5,16 +5,6 @@
 namespace zev::decimal {
 namespace {
 
-/// Carries each column into the one before it.
-void carryColumns(Limb *product, const std::uint64_t *columns, std::size_t count) {
-  std::uint64_t carry = 0;
-  for (std::size_t i = count; i-- > 0;) {
-    const std::uint64_t sum = columns[i] + carry;
-    carry = sum / kLimbBase;
-    product[i] = static_cast<Limb>(sum - carry * kLimbBase);
-  }
-}
-
 /// The first three limbs as a double.
 double leading(const Limb *limbs) {
   return (limbs[0] * 1e8 + limbs[1]) * 1e8 + limbs[2];
@@ -60,19 +50,19 @@ std::size_t divideByOneLimb(Limb *quotient, std::size_t wanted, const Limb *rest
 
 }  // namespace
 
-void multiplyLimbs(Limb *product, const Limb *a, std::size_t n, const Limb *b,
-                   std::size_t m, std::uint64_t *columns) {
-  if (n > m) {
-    std::swap(a, b);
-    std::swap(n, m);
+void multiplyByColumns(Limb *product, const Limb *a, std::size_t n, const Limb *b,
+                       std::size_t m) {
+  std::uint64_t sum = 0;
+  for (std::size_t column = n + m - 1; column-- > 0;) {
+    const std::size_t first = column < m ? 0 : column - m + 1;
+    const std::size_t last = std::min(column, n - 1);
+    for (std::size_t i = first; i <= last; ++i)
+      sum += std::uint64_t{a[i]} * b[column - i];
+    const std::uint64_t carry = sum / kLimbBase;
+    product[column + 1] = static_cast<Limb>(sum - carry * kLimbBase);
+    sum = carry;
   }
-  std::fill_n(columns, n + m, 0);
-  for (std::size_t i = 0; i < n; ++i) {
-    const std::uint64_t factor = a[i];
-    std::uint64_t *row = columns + i + 1;
-    for (std::size_t j = 0; j < m; ++j) row[j] += factor * b[j];
-  }
-  carryColumns(product, columns, n + m);
+  product[0] = static_cast<Limb>(sum);
 }
 
 std::size_t divideLimbs(Limb *quotient, std::size_t wanted, Limb *rest,
