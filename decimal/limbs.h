@@ -61,10 +61,16 @@ inline void spread(Byte *pairs, const Limb *limbs, std::size_t count) {
     storeWord(pairs, wordOfLimbs(limbs[i], i + 1 < count ? limbs[i + 1] : 0));
 }
 
-/// Schoolbook product of `n` by `m` limbs, n + m of them. `columns` is scratch of as
-/// many; a column must not overflow: the lesser count is at most 1800.
-void multiplyLimbs(Limb *product, const Limb *a, std::size_t n, const Limb *b,
-                   std::size_t m, std::uint64_t *columns);
+/// Schoolbook product of `n` by `m` limbs, n + m of them, each made of its whole column:
+/// the faster way for few limbs.
+void multiplyByColumns(Limb *product, const Limb *a, std::size_t n, const Limb *b,
+                       std::size_t m);
+
+/// The same, row by row into `columns`, scratch of n + m: the faster way for many limbs,
+/// as rows are worth vector instructions. No column overflows as long as the lesser count
+/// is at most 1800.
+void multiplyByRows(Limb *product, const Limb *a, std::size_t n, const Limb *b,
+                    std::size_t m, std::uint64_t *columns);
 
 /// Long division of fractions: `quotient` gets the first `wanted` limbs of
 /// dividend / divisor, which must be below 1, the rest cut off. `rest` is scratch of

@@ -108,10 +108,11 @@ ZEV_HELPER void m_apm_absolute_value(M_APM r, M_APM a);
 
 /// -1, 0 or 1 as `a` is less than, equal to or greater than `b`.
 ZEV_HELPER int m_apm_compare(M_APM a, M_APM b);
-/// -1, 0 or 1.
+/// The sign: -1, 0 or 1.
 ZEV_HELPER int m_apm_sign(M_APM a);
 /// The power of ten of the first digit: 2 for 123. 0 for zero.
 ZEV_HELPER int m_apm_exponent(M_APM a);
+/// The digits from the first to the last that is not 0; 1 for zero.
 ZEV_HELPER int m_apm_significant_digits(M_APM a);
 /// 1 or 0; a number with a fraction is neither even nor odd.
 ZEV_HELPER int m_apm_is_integer(M_APM a);
@@ -150,11 +151,13 @@ ZEV_HELPER void m_apm_round(M_APM r, int places, M_APM a);
 ZEV_HELPER void m_apm_divide(M_APM r, int places, M_APM a, M_APM b);
 /// 1 / a, zero and a warning when `a` is zero.
 ZEV_HELPER void m_apm_reciprocal(M_APM r, int places, M_APM a);
+/// Square root, zero and a warning when `x` is negative; cube root, of any sign.
 ZEV_HELPER void m_apm_sqrt(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_cbrt(M_APM r, int places, M_APM x);
 /// Natural and decimal logarithm; zero and a warning unless `x` is positive.
 ZEV_HELPER void m_apm_log(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_log10(M_APM r, int places, M_APM x);
+/// e to the power of x; zero and a warning when x / ln 2 does not fit 32 bits.
 ZEV_HELPER void m_apm_exp(M_APM r, int places, M_APM x);
 /// x to the power of y; 1 when `y` is zero, else zero when `x` is. A negative `x` wants
 /// an integer `y` of less than 8 digits: any other draws the logarithm's warning and
@@ -162,24 +165,27 @@ ZEV_HELPER void m_apm_exp(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_pow(M_APM r, int places, M_APM x, M_APM y);
 ZEV_HELPER void m_apm_integer_pow(M_APM r, int places, M_APM x, int n);
 
-/// Angles are in radians.
+/// Sine, cosine, both at once, tangent; angles are in radians. `sine` and `cosine` must
+/// differ.
 ZEV_HELPER void m_apm_sin(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_cos(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_sin_cos(M_APM sine, M_APM cosine, int places, M_APM x);
 ZEV_HELPER void m_apm_tan(M_APM r, int places, M_APM x);
-/// Zero and a warning beyond -1 and 1.
+/// Arc sine and arc cosine; zero and a warning beyond -1 and 1.
 ZEV_HELPER void m_apm_arcsin(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_arccos(M_APM r, int places, M_APM x);
+/// Arc tangent of any number, between -pi / 2 and pi / 2.
 ZEV_HELPER void m_apm_arctan(M_APM r, int places, M_APM x);
 /// The angle of the point (x, y), above -pi and up to pi; zero and a warning for (0, 0).
 ZEV_HELPER void m_apm_arctan2(M_APM r, int places, M_APM y, M_APM x);
+/// Hyperbolic sine, cosine and tangent, and the inverse of the first.
 ZEV_HELPER void m_apm_sinh(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_cosh(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_tanh(M_APM r, int places, M_APM x);
 ZEV_HELPER void m_apm_arcsinh(M_APM r, int places, M_APM x);
-/// Zero and a warning below 1.
+/// Inverse hyperbolic cosine; zero and a warning below 1.
 ZEV_HELPER void m_apm_arccosh(M_APM r, int places, M_APM x);
-/// Zero and a warning unless `x` lies between -1 and 1.
+/// Inverse hyperbolic tangent; zero and a warning unless `x` lies between -1 and 1.
 ZEV_HELPER void m_apm_arctanh(M_APM r, int places, M_APM x);
 
 // --- Random numbers ---

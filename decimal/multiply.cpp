@@ -31,7 +31,11 @@ void multiplyDirectly(M_APM r, M_APM a, M_APM b) {
   Byte *run = own.M_work1.sized(8 * words, kName);
   gather(limbsA, a->digits, bytesA);
   gather(limbsB, b->digits, bytesB);
-  multiplyLimbs(product, limbsA, n, limbsB, m, own.columns.sized(n + m, kName));
+  constexpr std::size_t kFewLimbs = 20;
+  if (std::min(n, m) < kFewLimbs)
+    multiplyByColumns(product, limbsA, n, limbsB, m);
+  else
+    multiplyByRows(product, limbsA, n, limbsB, m, own.columns.sized(n + m, kName));
   spread(run, product, n + m);
   assignRun(r, run, words, std::int64_t{a->exponent} + b->exponent, a->sign * b->sign);
 }

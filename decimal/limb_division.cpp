@@ -1,19 +1,9 @@
-#include "decimal/limbs.h"
-
 #include <algorithm>
+
+#include "decimal/limbs.h"
 
 namespace zev::decimal {
 namespace {
-
-/// Carries each column into the one before it.
-void carryColumns(Limb *product, const std::uint64_t *columns, std::size_t count) {
-  std::uint64_t carry = 0;
-  for (std::size_t i = count; i-- > 0;) {
-    const std::uint64_t sum = columns[i] + carry;
-    carry = sum / kLimbBase;
-    product[i] = static_cast<Limb>(sum - carry * kLimbBase);
-  }
-}
 
 /// The first three limbs as a double.
 double leading(const Limb *limbs) {
@@ -59,21 +49,6 @@ std::size_t divideByOneLimb(Limb *quotient, std::size_t wanted, const Limb *rest
 }
 
 }  // namespace
-
-void multiplyLimbs(Limb *product, const Limb *a, std::size_t n, const Limb *b,
-                   std::size_t m, std::uint64_t *columns) {
-  if (n > m) {
-    std::swap(a, b);
-    std::swap(n, m);
-  }
-  std::fill_n(columns, n + m, 0);
-  for (std::size_t i = 0; i < n; ++i) {
-    const std::uint64_t factor = a[i];
-    std::uint64_t *row = columns + i + 1;
-    for (std::size_t j = 0; j < m; ++j) row[j] += factor * b[j];
-  }
-  carryColumns(product, columns, n + m);
-}
 
 std::size_t divideLimbs(Limb *quotient, std::size_t wanted, Limb *rest,
                         std::size_t dividend, const Limb *divisor, std::size_t n) {
