@@ -85,7 +85,7 @@ void m_apm_tanh(M_APM r, int places, M_APM x) {
   }
   const int working = places + 4 + digitsLost(x);
   const Scratch e, inverse, difference, sum;
-  expAndReciprocal(e, inverse, 2 * working, x);
+  expAndReciprocal(e, inverse, working, x);
   m_apm_subtract(difference, e, inverse);
   m_apm_add(sum, e, inverse);
   m_apm_divide(e, places + 4, difference, sum);
