@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/edge_text.h"
 #include "decimal/ocinumber_frame.h"
 #include "types/number.h"
 
@@ -18,12 +19,6 @@ constexpr char kGroup = 'G', kPoint = 'D', kComma = ',';
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-/// The text of an argument, none for null.
-std::string_view argument(const OraText *text, ub4 length) {
-  return text ? std::string_view(reinterpret_cast<const char *>(text), length)
-              : std::string_view();
 }
 
 sword failWith(OCIError *errhp, sb4 code, std::string_view text) {
@@ -40,20 +35,18 @@ std::string plainText(M_APM number, std::size_t places) {
   return text;
 }
 
-/// Copies text as far as the buffer reaches, with its terminator if that has room.
-void copyTo(std::string_view text, OraText *buffer, ub4 room) {
-  const std::size_t length = std::min<std::size_t>(text.size(), room);
-  std::memcpy(buffer, text.data(), length);
-  if (length < room) buffer[length] = '\0';
-}
-
 /// The whole number, which is reported 41 characters long.
-sword printMinimal(M_APM number, OraText *buffer, ub4 *size) {
+sword printMinimal(OCIError *errhp, M_APM number, OraText *buffer, ub4 *size) {
   constexpr ub4 kLeastRoom = 40, kReported = 41;
+  const OCIEnv *env = zev::parentEnv(errhp);
+  const auto unit = static_cast<ub4>(zev::terminatorSize(env));
   const ub4 room = *size;
-  if (room < kLeastRoom) return OCI_ERROR;
-  *size = kReported;
-  copyTo(plainText(number, kDecimals), buffer, room);
+  if (room < kLeastRoom * unit) return OCI_ERROR;
+  const std::string text = plainText(number, kDecimals);
+  const zev::EdgeResult edge(env, text);
+  if (!edge) return edge.fail(errhp);
+  *size = kReported * unit;
+  edge.copyInto(buffer, room);
   return OCI_SUCCESS;
 }
 
@@ -85,10 +78,12 @@ sword printByFormat(OCIError *errhp, M_APM number, std::string_view format,
     return zev::fail(errhp, 22065, o2pGetErrorText(22065));
   const std::size_t width = format.size() + 1;
   text.insert(0, width - std::min(width, text.size()), ' ');
+  const zev::EdgeResult edge(zev::parentEnv(errhp), text);
+  if (!edge) return edge.fail(errhp);
   const ub4 room = *size;
-  if (text.size() > room) return OCI_ERROR;
-  *size = static_cast<ub4>(text.size());
-  copyTo(text, buffer, room);
+  if (edge.size() > room) return OCI_ERROR;
+  *size = static_cast<ub4>(edge.size());
+  edge.copyInto(buffer, room);
   return OCI_SUCCESS;
 }
 
@@ -169,9 +164,10 @@ ZEV_API sword OCINumberToText(OCIError *err, const OCINumber *number, const OraT
     Workspace &w = workspace();
     if (!readNumber(*number, w.a)) return OCI_ERROR;
     return withMemory(err, [&] {
-      const std::string_view format = argument(fmt, fmt_length);
-      if (format == "TM9") return printMinimal(w.a, buf, buf_size);
-      return printByFormat(err, w.a, format, buf, buf_size);
+      const zev::EdgeText format(zev::parentEnv(err), fmt, fmt_length);
+      if (!format) return format.fail(err);
+      if (format.view() == "TM9") return printMinimal(err, w.a, buf, buf_size);
+      return printByFormat(err, w.a, format.view(), buf, buf_size);
     });
   });
 }
@@ -182,7 +178,11 @@ ZEV_API sword OCINumberFromText(OCIError *err, const OraText *str, ub4 str_lengt
   return run(err, {{str, "2"}, {number, "8"}}, [&]() -> sword {
     if (str_length == 0) return OCI_ERROR;
     return withMemory(err, [&] {
-      return read(err, argument(str, str_length), argument(fmt, fmt_length), number);
+      const OCIEnv *env = zev::parentEnv(err);
+      const zev::EdgeText text(env, str, str_length), format(env, fmt, fmt_length);
+      if (!text) return text.fail(err);
+      if (!format) return format.fail(err);
+      return read(err, text.view(), format.view(), number);
     });
   });
 }

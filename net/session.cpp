@@ -60,7 +60,7 @@ sword getUsername(const OCISession *session, void *value, ub4 *size, OCIError *e
   const zev::EdgeResult name(zev::parentEnv(session), session->username,
                              std::strlen(session->username));
   if (!name) return name.fail(errhp);
-  char *copy = makeString(name.data(), name.size());
+  char *copy = name.copy();
   if (!copy) return zev::fail(errhp, 16506);
   zev::putAttribute(value, copy);
   if (size) *size = static_cast<ub4>(name.size());

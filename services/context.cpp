@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/edge_text.h"
+#include "core/env.h"
 #include "zevoci/connection.h"
 #include "zevoci/errors.h"
 
@@ -12,11 +14,11 @@ namespace {
 
 constexpr std::size_t kLongestKey = 64;
 
-/// One value; the terminated key stands behind it in the same block, so that the lists'
-/// owners free the blocks alone.
+/// One value; the key stands behind it in the same block, so that the lists' owners free
+/// the blocks alone.
 struct ContextValue {
   char *key;
-  ub1 keyLength;  ///< as the program gave it
+  ub1 keyLength;
   void *value;
 };
 
@@ -28,9 +30,9 @@ List **valuesOf(void *hndl) {
 }
 
 /// What the program means by a key of `length` bytes: up to a terminator, if it has one.
-std::string_view keyText(const ub1 *key, ub1 length) {
-  const char *text = reinterpret_cast<const char *>(key);
-  return {text, strnlen(text, length)};
+std::string_view keyText(const void *hndl, const ub1 *key, ub1 length) {
+  return {reinterpret_cast<const char *>(key),
+          zev::textLength(zev::climbToEnv(hndl), key, length)};
 }
 
 /// The checks of both functions, before `work(list)`.
@@ -44,13 +46,13 @@ sword contextCall(void *hndl, OCIError *errhp, const void *key, ub1 keylen,
   return values ? work(*values) : zev::fail(errhp, 24316);
 }
 
-ContextValue *makeValue(std::string_view key, ub1 keylen, void *value) {
-  void *block = std::malloc(sizeof(ContextValue) + key.size() + 1);
+ContextValue *makeValue(std::string_view key, void *value) {
+  void *block = std::malloc(sizeof(ContextValue) + key.size());
   if (!block) return nullptr;
   auto *made = static_cast<ContextValue *>(block);
-  *made = {static_cast<char *>(block) + sizeof(ContextValue), keylen, value};
+  *made = {static_cast<char *>(block) + sizeof(ContextValue),
+           static_cast<ub1>(key.size()), value};
   std::memcpy(made->key, key.data(), key.size());
-  made->key[key.size()] = '\0';
   return made;
 }
 
@@ -72,16 +74,18 @@ extern "C" {
 ZEV_API sword OCIContextSetValue(void *hndl, OCIError *err, OCIDuration, ub1 *key,
                                  ub1 keylen, void *ctx_value) {
   return contextCall(hndl, err, key, keylen, ctx_value, [&](List *&values) {
-    return append(values, makeValue(keyText(key, keylen), keylen, ctx_value), err);
+    return append(values, makeValue(keyText(hndl, key, keylen), ctx_value), err);
   });
 }
 
 ZEV_API sword OCIContextGetValue(void *hndl, OCIError *err, ub1 *key, ub1 keylen,
                                  void **ctx_value) {
   return contextCall(hndl, err, key, keylen, ctx_value, [&](List *&values) {
-    const std::string_view wanted = keyText(key, keylen);
+    const std::string_view wanted = keyText(hndl, key, keylen);
     for (const ContextValue *kept : zev::Elements<ContextValue>(values)) {
-      if (wanted == kept->key) *ctx_value = kept->value;
+      if (wanted == std::string_view(kept->key, kept->keyLength)) {
+        *ctx_value = kept->value;
+      }
     }
     return OCI_SUCCESS;
   });

@@ -92,19 +92,10 @@ sword fileCall(const char *narrative, void *hndl, OCIError *errhp, Layer layer,
   return status;
 }
 
-/// Bytes of a terminated text in the encoding of `env`.
-std::size_t lengthOf(const OCIEnv *env, const OraText *text) {
-  if (!env->utf16) return std::strlen(reinterpret_cast<const char *>(text));
-  std::size_t length = 0;
-  while (text[length] || text[length + 1]) length += 2;
-  return length;
-}
-
 /// Makes "path/filename" in `*name`, in the library's encoding.
 sword join(const OCIEnv *env, OCIError *errhp, const OraText *path,
            const OraText *filename, zev::Malloced<> *name) {
-  const zev::EdgeText directory(env, path, lengthOf(env, path));
-  const zev::EdgeText file(env, filename, lengthOf(env, filename));
+  const zev::EdgeText directory(env, path), file(env, filename);
   if (!directory) return directory.fail(errhp);
   if (!file) return file.fail(errhp);
   char *joined = nullptr;

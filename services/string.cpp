@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/arguments.h"
+#include "core/edge_text.h"
 #include "core/owned.h"
 #include "zevoci/errors.h"
 #include "zevoci/string_value.h"
@@ -31,14 +32,26 @@ OCIString *ensureString(OCIString **place) {
   return *place;
 }
 
-/// Gives a string a copy of a text, and `length` as its length.
-sword setText(OCIError *errhp, OCIString **place, const OraText *text, ub4 length) {
+/// A copy of a text of `size` bytes with its terminator; null without memory.
+zev::Malloced<> copyOf(const OCIEnv *env, const OraText *text, std::size_t size) {
+  const std::size_t terminator = zev::terminatorSize(env);
+  zev::Malloced<> copy(static_cast<char *>(std::malloc(size + terminator)));
+  if (!copy) return copy;
+  std::memcpy(copy.get(), text, size);
+  std::memset(copy.get() + size, 0, terminator);
+  return copy;
+}
+
+/// Gives a string a copy of a text up to its end, and `length` as its length.
+sword setText(const OCIEnv *env, OCIError *errhp, OCIString **place, const OraText *text,
+              ub4 length) {
   OCIString *const string = ensureString(place);
   if (!string) return zev::fail(errhp, 16506);
-  zev::Malloced<> copy(strdup(reinterpret_cast<const char *>(text)));
+  const std::size_t size = zev::textLength(env, text);
+  zev::Malloced<> copy = copyOf(env, text, size);
   if (!copy) return OCI_INVALID_HANDLE;
   std::free(string->text);
-  string->allocatedSize = static_cast<ub4>(std::strlen(copy.get()));
+  string->allocatedSize = static_cast<ub4>(size);
   string->length = length;
   string->text = reinterpret_cast<OraText *>(copy.release());
   return OCI_SUCCESS;
@@ -65,17 +78,18 @@ ZEV_API sword OCIStringAllocSize(OCIEnv *env, OCIError *err, const OCIString *vs
 ZEV_API sword OCIStringAssign(OCIEnv *env, OCIError *err, const OCIString *rhs,
                               OCIString **lhs) {
   return stringCall(env, err, {{rhs, "3"}, {lhs, "4"}}, [&] {
-    static constexpr OraText kEmpty[] = "";
-    return setText(err, lhs, rhs->text ? rhs->text : kEmpty, rhs->length);
+    static constexpr char16_t kEmpty[] = u"";
+    const auto *empty = reinterpret_cast<const OraText *>(kEmpty);
+    return setText(env, err, lhs, rhs->text ? rhs->text : empty, rhs->length);
   });
 }
 
 ZEV_API sword OCIStringAssignText(OCIEnv *env, OCIError *err, const OraText *rhs,
                                   ub4 rhs_len, OCIString **lhs) {
   return stringCall(env, err, {{rhs, "3"}, {lhs, "5"}}, [&]() -> sword {
-    const std::size_t length = std::strlen(reinterpret_cast<const char *>(rhs));
+    const std::size_t length = zev::textLength(env, rhs);
     if (rhs_len < length) return OCI_ERROR;
-    return setText(err, lhs, rhs, static_cast<ub4>(length));
+    return setText(env, err, lhs, rhs, static_cast<ub4>(length));
   });
 }
 
@@ -89,8 +103,9 @@ ZEV_API sword OCIStringResize(OCIEnv *env, OCIError *err, ub4 new_size, OCIStrin
       freeString(*str);
       return OCI_SUCCESS;
     }
-    // One byte more, for the terminator of a text that fills it.
-    zev::Malloced<> text(static_cast<char *>(std::calloc(std::size_t{new_size} + 1, 1)));
+    // Room for the terminator of a text that fills it.
+    const std::size_t room = new_size + zev::terminatorSize(env);
+    zev::Malloced<> text(static_cast<char *>(std::calloc(room, 1)));
     OCIString *const string = text ? ensureString(str) : nullptr;
     if (!string) return zev::fail(err, 16506);
     std::free(string->text);

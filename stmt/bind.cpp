@@ -101,14 +101,6 @@ bool textHolds(const OCIStmt *stmt, const std::string &placeholder) {
   return false;
 }
 
-/// The bytes of a name that the program did not measure.
-std::size_t measure(const OCIEnv *env, const OraText *name) {
-  if (!env->utf16) return std::strlen(reinterpret_cast<const char *>(name));
-  std::size_t length = 0;
-  while (name[length] || name[length + 1]) length += 2;
-  return length;
-}
-
 sword bindByName(OCIStmt *stmt, OCIBind **bindpp, OCIError *errhp,
                  const std::string &name, const BindArguments &arguments) {
   if (!textHolds(stmt, name)) return zev::fail(errhp, 16952);
@@ -221,7 +213,7 @@ ZEV_API sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
   return zev::runFrame(
       zev::frame::kBindByName, env, errhp,
       [&](sword &status) {
-        const std::size_t length = placeh_len < 0 ? measure(env, placeholder)
+        const std::size_t length = placeh_len < 0 ? zev::textLength(env, placeholder)
                                                   : static_cast<std::size_t>(placeh_len);
         const zev::EdgeText edge(env, placeholder, length);
         if (!edge) return leaveWith(status, edge.fail(errhp));

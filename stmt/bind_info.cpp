@@ -30,12 +30,10 @@ sword giveName(OCIEnv *env, OCIError *errhp, const char *name, ub4 length,
                OraText **out) {
   const zev::EdgeResult edge(env, name, length);
   if (!edge) return edge.fail(errhp);
-  const std::size_t terminator = env->utf16 ? 2 : 1;
-  auto *copy =
-      static_cast<OraText *>(AllocateMemFromEnvCache(env, edge.size() + terminator));
+  const std::size_t room = edge.size() + zev::terminatorSize(env);
+  auto *copy = static_cast<OraText *>(AllocateMemFromEnvCache(env, room));
   if (!copy) return zev::fail(errhp, 16506);
-  std::memcpy(copy, edge.data(), edge.size());
-  std::memset(copy + edge.size(), 0, terminator);
+  edge.copyInto(copy, room);
   *out = copy;
   return OCI_SUCCESS;
 }

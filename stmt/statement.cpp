@@ -4,6 +4,7 @@
 
 #include "core/attribute_value.h"
 #include "core/cursor_attributes.h"
+#include "core/edge_text.h"
 #include "core/memory_cache.h"
 #include "stmt/execute_bulk.h"
 #include "stmt/fill.h"
@@ -46,9 +47,13 @@ ub2 publishedType(const OCIStmt *stmt) {
 }
 
 sword getText(OCIStmt *stmt, void *value, OCIError *errhp) {
-  void *copy = AllocateMemFromStmtCache(stmt, stmt->textLen + 1);
+  const OCIEnv *env = zev::parentEnv(stmt);
+  const zev::EdgeResult edge(env, stmt->stmtText, stmt->stmtText ? stmt->textLen : 0);
+  if (!edge) return edge.fail(errhp);
+  const std::size_t room = edge.size() + zev::terminatorSize(env);
+  void *copy = AllocateMemFromStmtCache(stmt, room);
   if (!copy) return zev::fail(errhp, 16506);
-  std::memcpy(copy, stmt->stmtText ? stmt->stmtText : "", stmt->textLen + 1);
+  edge.copyInto(copy, room);
   zev::putAttribute(value, copy);
   return OCI_SUCCESS;
 }

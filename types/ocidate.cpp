@@ -97,11 +97,11 @@ sb4 getwday(std::string_view name) {
   return -1;
 }
 
-sb4 weekdayNamed(const OraText *name, ub4 length) {
-  if (length < 3) return -1;
+sb4 weekdayNamed(std::string_view name) {
+  if (name.size() < 3) return -1;
   char capitals[3];
   for (int i = 0; i < 3; ++i) {
-    const char c = static_cast<char>(name[i]);
+    const char c = name[static_cast<std::size_t>(i)];
     capitals[i] = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   }
   return getwday({capitals, 3});
@@ -206,7 +206,10 @@ ZEV_API sword OCIDateFromText(OCIError *err, const OraText *date_str, ub4 d_str_
                               const OraText *fmt, ub1 fmt_length, const OraText *, ub4,
                               OCIDate *date) {
   return zev::dates::run(nullptr, err, {{date_str, "2"}, {fmt, "5"}, {date, "7"}}, [&] {
-    const zev::dates::Terminated text(date_str, d_str_length), format(fmt, fmt_length);
+    const zev::dates::Terminated text(err, date_str, d_str_length),
+        format(err, fmt, fmt_length);
+    if (!text) return text.fail(err);
+    if (!format) return format.fail(err);
     PGtm tm{};
     double fsec = 0;
     if (zev::format::scanDateTime(err, text.get(), format.get(), tm, fsec,
@@ -231,17 +234,19 @@ ZEV_API sword OCIDateLastDay(OCIError *err, const OCIDate *date, OCIDate *last_d
 
 ZEV_API sword OCIDateNextDay(OCIError *err, const OCIDate *date, const OraText *day_p,
                              ub4 day_length, OCIDate *next_day) {
-  return zev::dates::run("OCIDateNextDay\n", err,
-                         {{date, "2"}, {day_p, "3"}, {next_day, "5"}}, [&] {
-                           const sb4 target = weekdayNamed(day_p, day_length);
-                           if (target < 0) return zev::dates::failAfresh(err, 1846);
-                           sb4 days = target - weekdayOf(*date);
-                           if (days < 1) days += 7;
-                           sb4 year = 0, month = 0, day = 0;
-                           j2date(plus(julianOf(*date), days), &year, &month, &day);
-                           setDate(next_day, *date, year, month, day);
-                           return OCI_SUCCESS;
-                         });
+  return zev::dates::run(
+      "OCIDateNextDay\n", err, {{date, "2"}, {day_p, "3"}, {next_day, "5"}}, [&] {
+        const zev::EdgeText day(zev::parentEnv(err), day_p, day_length);
+        if (!day) return zev::dates::failText(err, day);
+        const sb4 target = weekdayNamed(day.view());
+        if (target < 0) return zev::dates::failAfresh(err, 1846);
+        sb4 days = target - weekdayOf(*date);
+        if (days < 1) days += 7;
+        sb4 year = 0, month = 0, mday = 0;
+        j2date(plus(julianOf(*date), days), &year, &month, &mday);
+        setDate(next_day, *date, year, month, mday);
+        return OCI_SUCCESS;
+      });
 }
 
 ZEV_API sword OCIDateSysDate(OCIError *err, OCIDate *sys_date) {
@@ -260,15 +265,16 @@ ZEV_API sword OCIDateToText(OCIError *err, const OCIDate *date, const OraText *f
                             OraText *buf) {
   return zev::dates::run(
       nullptr, err, {{date, "2"}, {fmt, "3"}, {buf_size, "6"}, {buf, "7"}}, [&] {
-        const zev::dates::Terminated format(fmt, fmt_length);
+        const zev::dates::Terminated format(err, fmt, fmt_length);
+        if (!format) return format.fail(err);
         TmToChar value{};
         DecodeOracleOCIDate(date, &value.tm, 1);
         if (!complete(value.tm)) return zev::dates::failAfresh(err, 1841);
         zev::format::PrintedText printed;
         if (!printed.print(err, value, format.get(), zev::format::kOCIDate))
           return OCI_ERROR;
-        zev::dates::deliverCut(printed.text(), buf, *buf_size);
-        return OCI_SUCCESS;
+        ub4 room = *buf_size;  // the program's own stays as it is
+        return zev::dates::deliverCut(err, printed.text(), buf, &room);
       });
 }
 

@@ -350,9 +350,11 @@ ZEV_API sword OCIDateTimeConstruct(void *hndl, OCIError *err, OCIDateTime *datet
   return call(
       "OCIDateTimeConstruct\n", err, {{hndl, "1"}, {datetime, "3"}},
       [&] {
+        const zev::EdgeText zone(zev::parentEnv(err), timezone);
+        if (!zone) return zev::dates::failText(err, zone);
         return zev::dates::construct(err, *target->body,
                                      {year, month, day, hour, min, sec, fsec},
-                                     reinterpret_cast<const char *>(timezone));
+                                     timezone ? zone.cString() : nullptr);
       },
       target);
 }
@@ -397,11 +399,13 @@ ZEV_API sword OCIDateTimeFromText(void *hndl, OCIError *err, const OraText *date
   return call(
       "OCIDateTimeFromText\n", err, {{hndl, "1"}, {date_str, "3"}, {datetime, "9"}},
       [&] {
-        const zev::dates::Terminated text(date_str, dstr_length);
+        const zev::dates::Terminated text(err, date_str, dstr_length);
+        if (!text) return text.fail(err);
         if (!fmt) {
           return readText(err, *target->body, text.get(), formatOf(*target->body).toRead);
         }
-        const zev::dates::Terminated format(fmt, fmt_length);
+        const zev::dates::Terminated format(err, fmt, fmt_length);
+        if (!format) return format.fail(err);
         return readText(err, *target->body, text.get(), format.get());
       },
       target);
@@ -447,20 +451,19 @@ ZEV_API sword OCIDateTimeGetTimeZoneName(void *hndl, OCIError *err,
                                          ub4 *buflen) {
   constexpr ub4 kRoom = 7;
   const auto *value = dateTimeOf(datetime);
+  const OCIEnv *env = zev::parentEnv(err);
   return call(
       "OCIDateTimeGetTimeZoneName\n", err,
       {{hndl, "1"}, {datetime, "3"}, {buf, "4"}, {buflen, "5"}},
       [&]() -> sword {
-        if (*buflen < kRoom) return OCI_ERROR;
+        if (*buflen < kRoom * zev::terminatorSize(env)) return OCI_ERROR;
         if (!isReadable(err, value)) return OCI_ERROR;
         Zone zone;
         if (!zoneOf(*value->body, zone)) return failWithText(err, 1878);
         OCIDateTimeBody named{};
         zev::writeZoneText(named, zone.hour, zone.minute);
-        *buflen = static_cast<ub4>(strnlen(named.tzText, kRoom - 1));
-        std::memcpy(buf, named.tzText, *buflen);
-        buf[*buflen] = '\0';
-        return OCI_SUCCESS;
+        return zev::dates::deliverCut(
+            err, {named.tzText, strnlen(named.tzText, kRoom - 1)}, buf, buflen);
       },
       value);
 }
@@ -575,14 +578,14 @@ ZEV_API sword OCIDateTimeToText(void *, OCIError *err, const OCIDateTime *date,
       [&]() -> sword {
         if (!isReadable(err, value)) return OCI_ERROR;
         const Format known = formatOf(*value->body);
-        const zev::dates::Terminated given(fmt, fmt ? fmt_length : 0);
+        const zev::dates::Terminated given(err, fmt, fmt ? fmt_length : 0);
+        if (!given) return given.fail(err);
         TmToChar printed{};
         if (!fillPrinted(*value->body, printed)) return zev::dates::failAfresh(err, 1841);
         zev::format::PrintedText text;
         if (!text.print(err, printed, fmt ? given.get() : known.toPrint, known.dateKind))
           return OCI_ERROR;
-        *buf_size = zev::dates::deliverCut(text.text(), buf, *buf_size);
-        return OCI_SUCCESS;
+        return zev::dates::deliverCut(err, text.text(), buf, buf_size);
       },
       value);
 }

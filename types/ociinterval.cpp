@@ -169,8 +169,11 @@ struct Parts {
   }
 };
 
-void print(const Parts &parts, bool isDaySecond, OraText *buffer) {
-  zev::TextWriter out(reinterpret_cast<char *>(buffer));
+/// Room for five parts of ten digits and what stands between them.
+constexpr std::size_t kTextSize = 64;
+
+void print(const Parts &parts, bool isDaySecond, char (&buffer)[kTextSize]) {
+  zev::TextWriter out(buffer);
   const auto part = [&out](sb4 value) -> zev::TextWriter & {
     return out.number(std::abs(sb8{value}), 2);
   };
@@ -364,9 +367,11 @@ ZEV_API sword OCIIntervalFromText(void *hndl, OCIError *err, const OraText *inps
       err, {{hndl, "1"}, {inpstring, "3"}, {result, "5"}},
       [&]() -> sword {
         if (!isReadable(to)) return failInconsistent(err);
+        const zev::EdgeText edge(zev::parentEnv(err), inpstring);
+        if (!edge) return zev::dates::failText(err, edge);
         TextFields text;
         Interval value{};
-        const bool isRead = text.split(reinterpret_cast<const char *>(inpstring)) &&
+        const bool isRead = text.split(edge.cString()) &&
                             (isDaySecond(to) ? readDaySecond(err, text, value)
                                              : readYearMonth(text, value));
         if (!isRead) return zev::fail(err, 1891);
@@ -383,8 +388,10 @@ ZEV_API sword OCIIntervalToText(void *, OCIError *err, const OCIInterval *interv
       err, {{interval, "3"}, {buffer, "6"}, {resultlen, "8"}},
       [&]() -> sword {
         if (!isReadable(from)) return failInconsistent(err);
-        print(Parts(from), isDaySecond(from), buffer);
-        return OCI_SUCCESS;
+        char text[kTextSize];
+        print(Parts(from), isDaySecond(from), text);
+        ub4 room = 2 * kTextSize;  // no more than the text takes is written
+        return zev::dates::deliverCut(err, text, buffer, &room);
       },
       from);
 }
@@ -396,11 +403,13 @@ ZEV_API sword OCIIntervalFromTZ(void *hndl, OCIError *err, const OraText *inpstr
       err, {{hndl, "1"}, {inpstring, "3"}, {result, "5"}},
       [&]() -> sword {
         if (!isDaySecond(to) || !isReadable(to)) return failInconsistent(err);
+        const zev::EdgeText edge(zev::parentEnv(err), inpstring);
+        if (!edge) return zev::dates::failText(err, edge);
         sb4 displacement = 0;
         sb1 hour = 0;
         ub1 minute = 0, second = 0;
-        if (DecodeTZ(reinterpret_cast<const char *>(inpstring), &displacement, &hour,
-                     &minute, &second) == zev::kZoneOverflow)
+        if (DecodeTZ(edge.cString(), &displacement, &hour, &minute, &second) ==
+            zev::kZoneOverflow)
           return zev::fail(err, 16384);
         setDaySecond(to, 0, hour, minute, second, 0);
         return OCI_SUCCESS;

@@ -30,17 +30,17 @@ std::size_t allocated() {
 #endif
 }
 
-/// The buffers of a batch: an id and a text of up to eleven bytes for each row.
+/// The buffers of a batch: an id and a text of up to eleven characters for each row.
 struct Batch {
   explicit Batch(ub4 rows) : ids(rows), texts(rows), indicators(rows) {}
   std::vector<sb4> ids;
-  std::vector<std::array<char, 12>> texts;
+  std::vector<std::array<char, 24>> texts;
   std::vector<sb2> indicators;
 
   void fill(sb4 first) {
     for (std::size_t i = 0; i < ids.size(); ++i) {
       ids[i] = first + static_cast<sb4>(i);
-      std::snprintf(texts[i].data(), texts[i].size(), "t%d", ids[i]);
+      put(texts[i].data(), "t" + std::to_string(ids[i]));
     }
   }
   void bind(Statement &stmt) {
@@ -178,14 +178,11 @@ TEST_F(ArrayTest, TenThousandRowsTakeNoMoreThanThirtyTripsToADistantServer) {
   constexpr milliseconds kTrip{20};
   const ServerAddress &at = testServer();
   const DelayingProxy proxy(at.host, at.port, kTrip / 2);
-  const std::string target = at.host + ":" + proxy.port() + "/" + at.db;
-  const auto text = [](const std::string &s) {
-    return reinterpret_cast<const OraText *>(s.data());
-  };
-  const auto size = [](const std::string &s) { return static_cast<ub4>(s.size()); };
+  const Given user(at.user), password(at.password),
+      target(at.host + ":" + proxy.port() + "/" + at.db);
   OCISvcCtx *distant = nullptr;
-  ASSERT_EQ(OCILogon(env(), errhp(), &distant, text(at.user), size(at.user),
-                     text(at.password), size(at.password), text(target), size(target)),
+  ASSERT_EQ(OCILogon(env(), errhp(), &distant, user.text(), user.size(), password.text(),
+                     password.size(), target.text(), target.size()),
             OCI_SUCCESS)
       << errorText();
   const auto insertTenBatches = [&](OCISvcCtx *svchp) {
@@ -258,7 +255,8 @@ TEST_F(ArrayTest, FormatsAreThoseOfTheLastRow) {
   Statement stmt = statement("INSERT INTO array_formats VALUES (:a, :b)");
   sb4 a[] = {11, 22, 33};
   sb2 aInd[] = {0, 0, 0};
-  char b[3][4] = {"x", "y", "z"};
+  char b[3][4] = {};
+  for (int i = 0; i < 3; ++i) put(b[i], std::string(1, "xyz"[i]));
   stmt.bind(":a", a, sizeof *a, SQLT_INT, aInd);
   stmt.bind(":b", b, sizeof *b, SQLT_STR);
   ASSERT_EQ(stmt.execute(3), OCI_SUCCESS) << errorText();
@@ -307,8 +305,13 @@ TEST_F(ArrayTest, DeleteThatReturnsRowsIsRefused) {
 TEST_F(ArrayTest, StructBindsTakeTheArrayRoadAlsoForOneRow) {
   struct Row {
     sb4 id;
-    char text[12];
-  } rows[] = {{1, "one"}, {2, "two"}, {3, "three"}};
+    char text[24];
+  } rows[3] = {};
+  for (sb4 i = 0; i < 3; ++i) {
+    rows[i].id = i + 1;
+    constexpr const char *kTexts[] = {"one", "two", "three"};
+    put(rows[i].text, kTexts[i]);
+  }
   Statement stmt = insert();
   OCIBind *id = nullptr, *text = nullptr;
   OCIBindByPos(stmt.handle(), &id, errhp(), 1, &rows[0].id, sizeof(sb4), SQLT_INT,

@@ -73,7 +73,8 @@ TEST_F(ServerAttributes, ASessionTellsItsNameAndNotItsPassword) {
   EXPECT_EQ(
       OCIAttrGet(session, OCI_HTYPE_SESSION, &name, &size, OCI_ATTR_USERNAME, errhp()),
       OCI_SUCCESS);
-  EXPECT_EQ(std::string(name, size), "zev");
+  EXPECT_EQ(decoded({name, size}), "zev");
+  EXPECT_EQ(decodedUpToEnd(name), "zev");
   std::free(name);
   char *password = nullptr;
   EXPECT_EQ(OCIAttrGet(session, OCI_HTYPE_SESSION, &password, &size, OCI_ATTR_PASSWORD,

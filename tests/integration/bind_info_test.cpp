@@ -28,7 +28,7 @@ struct Info {
     std::string all;
     for (ub4 i = 0; i < kRoom; ++i) {
       all += all.empty() ? "" : " ";
-      all += names[i] ? reinterpret_cast<const char *>(names[i]) : "-";
+      all += names[i] ? decodedUpToEnd(names[i]) : "-";
     }
     return all;
   }

@@ -1,4 +1,5 @@
 /// Bound values as the server sees them, and what the engine does to indicators.
+#include <algorithm>
 #include <cstring>
 
 #include "tests/integration/support/oci_test.h"
@@ -11,9 +12,25 @@ struct Bound {
   const char *name;
   const char *sql;  ///< an expression with the placeholder :v
   ub2 type;
-  std::string bytes;  ///< the program's buffer
-  const char *seen;   ///< the expression as text; null for NULL
+  std::string bytes;       ///< the program's buffer, its text in UTF-8
+  const char *seen;        ///< the expression as text; null for NULL
+  std::size_t prefix = 0;  ///< bytes of a length in front of the text
 };
+
+/// Types whose values are the program's text.
+bool isText(ub2 type) {
+  constexpr ub2 kTexts[] = {SQLT_CHR, SQLT_AFC, SQLT_STR, SQLT_AVC,
+                            SQLT_LNG, SQLT_VCS, SQLT_LVC};
+  return std::ranges::find(kTexts, type) != std::end(kTexts);
+}
+
+/// The buffer of a row as the program has it. A length in front of text counts bytes.
+std::string bufferOf(const Bound &row) {
+  if (!isText(row.type)) return row.bytes;
+  std::string prefix = row.bytes.substr(0, row.prefix);
+  if (!prefix.empty()) prefix[0] = bytes(prefix[0]);
+  return prefix + encoded(row.bytes.substr(row.prefix));
+}
 
 template <class T>
 std::string bytesOf(T value) {
@@ -46,8 +63,8 @@ const Bound kBound[] = {
     {"EmptyStrIsNull",        ":v",                   SQLT_STR, std::string("\0\0", 2),           nullptr},
     {"Avc",                   "'<' || :v || '>'",     SQLT_AVC, std::string("xy\0", 3),           "<xy>"},
     {"Lng",                   "'<' || :v || '>'",     SQLT_LNG, "long text ",                     "<long text>"},
-    {"Vcs",                   "'<' || :v || '>'",     SQLT_VCS, prefixed(bytesOf<ub2>(3), "abcdef"), "<abc>"},
-    {"Lvc",                   "'<' || :v || '>'",     SQLT_LVC, prefixed(bytesOf<ub4>(4), "abcdef"), "<abcd>"},
+    {"Vcs",                   "'<' || :v || '>'",     SQLT_VCS, prefixed(bytesOf<ub2>(3), "abcdef"), "<abc>", 2},
+    {"Lvc",                   "'<' || :v || '>'",     SQLT_LVC, prefixed(bytesOf<ub4>(4), "abcdef"), "<abcd>", 4},
     {"Bin",                   "encode(:v, 'hex')",    SQLT_BIN, std::string("\x00\xff\x10", 3),   "00ff10"},
     {"Lbi",                   "encode(:v, 'hex')",    SQLT_LBI, std::string("\x01\x02", 2),       "0102"},
     {"Vbi",                   "encode(:v, 'hex')",    SQLT_VBI, prefixed(bytesOf<ub2>(2), std::string("\xde\xad\x00", 3)), "dead"},
@@ -60,7 +77,7 @@ class BoundValueTest : public OciTest, public testing::WithParamInterface<Bound>
 TEST_P(BoundValueTest, ArrivesAsTheServerShowsIt) {
   const Bound &row = GetParam();
   Statement stmt = statement(std::string("SELECT (") + row.sql + ")::text");
-  std::string bytes = row.bytes;
+  std::string bytes = bufferOf(row);
   ASSERT_EQ(stmt.bind(":v", bytes.data(), static_cast<sb4>(bytes.size()), row.type),
             OCI_SUCCESS)
       << errorText();
@@ -92,11 +109,12 @@ class BindTest : public OciTest {
 };
 
 TEST_F(BindTest, AnIndicatorOfMinusOneIsNull) {
-  char value[] = "text";
+  Given value(dressed("text"));
   sb2 indicator = -1;
-  EXPECT_EQ(send(value, 4, SQLT_CHR, &indicator, nullptr), "null");
+  EXPECT_EQ(send(value.data(), value.size<sb4>(), SQLT_CHR, &indicator, nullptr), "null");
   indicator = 0;
-  EXPECT_EQ(send(value, 4, SQLT_CHR, &indicator, nullptr), "<text>");
+  EXPECT_EQ(send(value.data(), value.size<sb4>(), SQLT_CHR, &indicator, nullptr),
+            '<' + dressed("text") + '>');
 }
 
 TEST_F(BindTest, AnIndicatorBelowMinusOneFailsTheExecute) {
@@ -144,9 +162,9 @@ TEST_F(BindTest, ANullBufferIsNullForEveryType) {
 }
 
 TEST_F(BindTest, TheLengthArrayMeasuresTheValue) {
-  char value[] = "text";
-  ub2 length = 2;
-  EXPECT_EQ(send(value, 4, SQLT_CHR, nullptr, &length), "<te>");
+  Given value("text");
+  ub2 length = bytes(2);
+  EXPECT_EQ(send(value.data(), value.size<sb4>(), SQLT_CHR, nullptr, &length), "<te>");
 }
 
 TEST_F(BindTest, APairWithoutAConverterIsAnIllegalConversion) {
@@ -164,9 +182,8 @@ TEST_F(BindTest, ADynamicBindWithoutACallbackNeedsData) {
     Statement stmt = statement(sql);
     OCIBind *bind = nullptr;
     ASSERT_EQ(
-        OCIBindByName(stmt.handle(), &bind, errhp(),
-                      reinterpret_cast<const OraText *>(":v"), 2, nullptr, 10, SQLT_CHR,
-                      nullptr, nullptr, nullptr, 0, nullptr, OCI_DATA_AT_EXEC),
+        OCIBindByName(stmt.handle(), &bind, errhp(), Given(":v").text(), -1, nullptr, 10,
+                      SQLT_CHR, nullptr, nullptr, nullptr, 0, nullptr, OCI_DATA_AT_EXEC),
         OCI_SUCCESS);
     ASSERT_EQ(OCIBindDynamic(bind, errhp(), nullptr, nullptr, nullptr, nullptr),
               OCI_SUCCESS);
@@ -202,9 +219,8 @@ TEST_F(BindTest, ASoftBindGivesAnExecutedStatementANewBuffer) {
   sb4 first = 1, second = 2, value = 0;
   OCIBind *bind = nullptr;
   const auto call = [&](sb4 &buffer, sb4 size, ub4 mode) {
-    return OCIBindByName(stmt.handle(), &bind, errhp(),
-                         reinterpret_cast<const OraText *>(":v"), -1, &buffer, size,
-                         SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr, mode);
+    return OCIBindByName(stmt.handle(), &bind, errhp(), Given(":v").text(), -1, &buffer,
+                         size, SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr, mode);
   };
   ASSERT_EQ(call(first, 4, OCI_DEFAULT), OCI_SUCCESS);
   EXPECT_EQ(call(second, 4, OCI_BIND_SOFT), OCI_ERROR) << "not executed yet";

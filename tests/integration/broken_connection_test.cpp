@@ -80,7 +80,7 @@ class BrokenConnectionTest : public OciTest {
 
  protected:
   /// Tests of this kind may run side by side.
-  const std::string table_ = "broken_rows_" + std::to_string(getpid());
+  const std::string table_ = dressed("broken_rows_" + std::to_string(getpid()));
 
  private:
   OCIServer *server_ = nullptr;

@@ -80,7 +80,7 @@ class CallTest : public OciTest {
                  ".call_log");
   }
 
-  std::string schema_ = "call_test_" + std::to_string(getpid());
+  std::string schema_ = dressed("call_test_" + std::to_string(getpid()));
 };
 
 TEST_F(CallTest, ProcedureTakesItsArgument) {
@@ -97,24 +97,24 @@ TEST_F(CallTest, InOutAndInOutComeBack) {
   sb4 a = 21, b = 0;
   sb2 bInd = 77;
   TextBuffer<> c;
-  std::strcpy(c.value, "hi");
-  c.length = 3;
+  c.set("hi");
+  c.length = bytes(3);
   call.bind(":a", a);
   call.bind(":b", b, &bInd);
-  call.bind(":c", c.value, sizeof c.value, SQLT_STR, &c.indicator, &c.length);
+  call.bind(":c", c.value, c.size(), SQLT_STR, &c.indicator, &c.length);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
   EXPECT_EQ(a, 21);
   EXPECT_EQ(b, 42);
   EXPECT_EQ(bInd, 0);
-  EXPECT_STREQ(c.value, "hi!");
-  EXPECT_EQ(c.length, 3);
+  EXPECT_EQ(c.textUpToEnd(), "hi!");
+  EXPECT_EQ(c.length, bytes(3));
 }
 
 TEST_F(CallTest, ACallCanBeRepeatedInOneRoundTrip) {
   Statement call = statement("BEGIN ct_mixed(:a, :b, :c); END;");
   sb4 a = 1, b = 0;
-  std::string c = "x";
-  c.resize(20);
+  TextBuffer<> c;
+  c.set("x");
   call.bind(":a", a);
   call.bind(":b", b);
   call.bind(":c", c);
@@ -122,7 +122,7 @@ TEST_F(CallTest, ACallCanBeRepeatedInOneRoundTrip) {
   a = 5;
   const WireLog log = wireOf([&] { EXPECT_EQ(call.execute(), OCI_SUCCESS); });
   EXPECT_EQ(b, 10);
-  EXPECT_STREQ(c.c_str(), "x!!");
+  EXPECT_EQ(c.textUpToEnd(), "x!!");
   EXPECT_EQ(log.roundTrips, 1);
 }
 
@@ -132,11 +132,11 @@ TEST_F(CallTest, OutParametersOfAllKindsComeBack) {
   TextBuffer<> b;
   double c = 0;
   call.bind(":a", a);
-  call.bind(":b", b.value, sizeof b.value, SQLT_STR, &b.indicator);
+  call.bind(":b", b);
   call.bind(":c", &c, sizeof c, SQLT_FLT);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
   EXPECT_EQ(a, 7);
-  EXPECT_STREQ(b.value, "seven");
+  EXPECT_EQ(b.textUpToEnd(), "seven");
   EXPECT_EQ(c, 7.25);
 }
 
@@ -174,19 +174,18 @@ TEST_F(CallTest, FunctionsOutParametersComeBack) {
   TextBuffer<> c;
   call.bind(":a", a);
   call.bind(":b", b);
-  call.bind(":c", c.value, sizeof c.value, SQLT_STR, &c.indicator);
+  call.bind(":c", c);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
   EXPECT_EQ(b, 4);
-  EXPECT_STREQ(c.value, "c3");
+  EXPECT_EQ(c.textUpToEnd(), "c3");
 }
 
 TEST_F(CallTest, NullReturnValueSetsTheIndicator) {
   Statement call = statement("BEGIN :r := ct_null(:a); END;");
   TextBuffer<> r;
   sb4 a = 1;
-  call.bind(":r", r.value, sizeof r.value, SQLT_STR, &r.indicator, &r.length,
-            &r.returnCode);
-  r.length = sizeof r.value;
+  call.bind(":r", r.value, r.size(), SQLT_STR, &r.indicator, &r.length, &r.returnCode);
+  r.length = static_cast<ub2>(r.size());
   call.bind(":a", a);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
   EXPECT_EQ(r.indicator, -1);
@@ -227,41 +226,41 @@ TEST_F(CallTest, OverloadsAreToldApartByTheirArguments) {
   TextBuffer<> r;
   sb4 a = 1, b = 2;
   Statement one = statement("BEGIN :r := ct_over(:a); END;");
-  one.bind(":r", r.value, sizeof r.value, SQLT_STR);
+  one.bind(":r", r);
   one.bind(":a", a);
   ASSERT_EQ(one.execute(), OCI_SUCCESS) << errorText();
-  EXPECT_STREQ(r.value, "one");
+  EXPECT_EQ(r.textUpToEnd(), "one");
   Statement two = statement("BEGIN :r := ct_over(:a, :b); END;");
-  two.bind(":r", r.value, sizeof r.value, SQLT_STR);
+  two.bind(":r", r);
   two.bind(":a", a);
   two.bind(":b", b);
   ASSERT_EQ(two.execute(), OCI_SUCCESS) << errorText();
-  EXPECT_STREQ(r.value, "two");
+  EXPECT_EQ(r.textUpToEnd(), "two");
 }
 
 TEST_F(CallTest, TextReachesAnIntegerArgument) {
   Statement call = statement("BEGIN :r := ct_add(:a, :b); END;");
   TextBuffer<> r;
-  std::string a = "40", b = "2";
-  call.bind(":r", r.value, sizeof r.value, SQLT_STR);
+  Given a("40"), b("2");
+  call.bind(":r", r);
   call.bind(":a", a);
   call.bind(":b", b);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
-  EXPECT_STREQ(r.value, "42");
+  EXPECT_EQ(r.textUpToEnd(), "42");
 }
 
 TEST_F(CallTest, NameMayHaveASchema) {
   Statement call = statement("BEGIN " + schema_ + ".ct_mixed(:a, :b, :c); END;");
   sb4 a = 4, b = 0;
   TextBuffer<> c;
-  std::strcpy(c.value, "s");
+  c.set("s");
   call.bind(":a", a);
   call.bind(":b", b);
-  call.bind(":c", c.value, sizeof c.value, SQLT_STR);
+  call.bind(":c", c);
   ASSERT_EQ(call.execute(), OCI_SUCCESS) << errorText();
   EXPECT_EQ(a, 4);
   EXPECT_EQ(b, 8);
-  EXPECT_STREQ(c.value, "s!");
+  EXPECT_EQ(c.textUpToEnd(), "s!");
 }
 
 TEST_F(CallTest, NamesFoldToLowerCase) {
@@ -290,13 +289,13 @@ TEST_F(CallTest, RefCursorOfAFunctionIsDrainedThroughItsStatement) {
   OCIDefineByPos(cursor, &define, errhp(), 1, &number, sizeof number, SQLT_INT, nullptr,
                  nullptr, nullptr, OCI_DEFAULT);
   define = nullptr;
-  OCIDefineByPos(cursor, &define, errhp(), 2, text.value, sizeof text.value, SQLT_STR,
-                 nullptr, nullptr, nullptr, OCI_DEFAULT);
+  OCIDefineByPos(cursor, &define, errhp(), 2, text.value, text.size(), SQLT_STR, nullptr,
+                 nullptr, nullptr, OCI_DEFAULT);
   for (int i = 1; i <= 3; ++i) {
     ASSERT_EQ(OCIStmtFetch(cursor, errhp(), 1, OCI_FETCH_NEXT, OCI_DEFAULT), OCI_SUCCESS)
         << errorText();
     EXPECT_EQ(number, i);
-    EXPECT_EQ(std::string(text.value), "row " + std::to_string(i));
+    EXPECT_EQ(text.textUpToEnd(), "row " + std::to_string(i));
   }
   EXPECT_EQ(OCIStmtFetch(cursor, errhp(), 1, OCI_FETCH_NEXT, OCI_DEFAULT), OCI_NO_DATA);
   OCIHandleFree(cursor, OCI_HTYPE_STMT);
@@ -392,14 +391,15 @@ TEST_F(CallTest, NoticeOfABodyBecomesARecord) {
 TEST_F(CallTest, EachIterationGivesItsRowBack) {
   Statement call = statement("BEGIN ct_mixed(:a, :b, :c); END;");
   sb4 a[3] = {1, 2, 3}, b[3] = {};
-  char c[3][8] = {"x", "y", "z"};
+  char c[3][8] = {};
+  for (int i = 0; i < 3; ++i) put(c[i], std::string(1, "xyz"[i]));
   call.bind(":a", a, sizeof *a, SQLT_INT);
   call.bind(":b", b, sizeof *b, SQLT_INT);
   call.bind(":c", c, sizeof *c, SQLT_STR);
   ASSERT_EQ(call.execute(3), OCI_SUCCESS) << errorText();
   EXPECT_EQ(b[0] + 10 * b[1] + 100 * b[2], 642);
-  EXPECT_STREQ(c[0], "x!");
-  EXPECT_STREQ(c[2], "z!");
+  EXPECT_EQ(decodedUpToEnd(c[0]), "x!");
+  EXPECT_EQ(decodedUpToEnd(c[2]), "z!");
 }
 
 TEST_F(CallTest, WithoutPlaceholdersOneIterationRuns) {
@@ -430,10 +430,9 @@ TEST_F(CallTest, StructBindsTakeAColumnEach) {
   } rows[2] = {{1, 0}, {2, 0}};
   Statement call = statement("BEGIN ct_null_out(:a, :b); END;");
   OCIBind *binds[2] = {};
-  const OraText *names[2] = {reinterpret_cast<const OraText *>(":a"),
-                             reinterpret_cast<const OraText *>(":b")};
+  const Given names[] = {Given(":a"), Given(":b")};
   for (int i = 0; i < 2; ++i) {
-    OCIBindByName(call.handle(), &binds[i], errhp(), names[i], -1,
+    OCIBindByName(call.handle(), &binds[i], errhp(), names[i].text(), -1,
                   i == 0 ? &rows[0].a : &rows[0].b, sizeof(sb4), SQLT_INT, nullptr,
                   nullptr, nullptr, 0, nullptr, OCI_DEFAULT);
     OCIBindArrayOfStruct(binds[i], errhp(), sizeof(Row), 0, 0, 0);

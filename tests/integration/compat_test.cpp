@@ -114,7 +114,7 @@ TEST_F(CompatTest, BoundStringsReachColumnsAndRawArrivesAsBytes) {
   {
     Statement insert(env(), errhp(), other);
     insert.prepare("INSERT INTO t VALUES (:i, :d, '\\x0102ff')");
-    std::string i = "42", d = "2024-02-29";
+    Given i("42"), d("2024-02-29");
     insert.bind(":i", i);
     insert.bind(":d", d);
     ASSERT_EQ(insert.execute(1, OCI_COMMIT_ON_SUCCESS), OCI_SUCCESS) << errorText();

@@ -8,7 +8,7 @@ namespace {
 
 /// One answer of an in callback.
 struct Piece {
-  std::string bytes;
+  std::string bytes;  ///< a text's in UTF-8
   sb2 indicator = 0;
   ub1 piece = OCI_ONE_PIECE;
   bool hasBuffer = true;
@@ -17,7 +17,7 @@ struct Piece {
 
 /// A program's side of OCIBindDynamic: answers one prepared piece after the other.
 struct Sender {
-  std::vector<Piece> pieces;
+  std::vector<Piece> pieces;  ///< texts as the program has them
   sb4 outcome = OCI_CONTINUE;
   std::size_t failAtCall = 1000;
   std::size_t calls = 0;
@@ -54,10 +54,15 @@ class DynamicBindTest : public OciTest {
               OCI_SUCCESS);
   }
 
+  static void encode(Sender &sender) {
+    for (Piece &piece : sender.pieces) piece.bytes = encoded(piece.bytes);
+  }
+
   /// Executes "SELECT <expression>" with the sender's value for :v; `seen` takes the
   /// server's text of it.
   sword echo(const std::string &expression, Sender &sender, ub2 type) {
     Statement stmt = statement("SELECT (" + expression + ")::text");
+    if (type != SQLT_INT) encode(sender);
     bind(stmt, &sender, type);
     TextBuffer<> text;
     stmt.define(1, text);
@@ -69,9 +74,9 @@ class DynamicBindTest : public OciTest {
 };
 
 TEST_F(DynamicBindTest, ValueInOnePieceIsSent) {
-  Sender sender{.pieces = {{.bytes = "hello"}}};
+  Sender sender{.pieces = {{.bytes = dressed("hello")}}};
   ASSERT_EQ(echo(":v", sender, SQLT_CHR), OCI_SUCCESS) << errorText();
-  EXPECT_EQ(seen, "hello");
+  EXPECT_EQ(seen, dressed("hello"));
   EXPECT_EQ(sender.asked, std::vector<ub1>{OCI_FIRST_PIECE});
   EXPECT_TRUE(sender.startedEmpty);
 }
@@ -164,6 +169,7 @@ TEST_F(DynamicBindTest, CallbackIsToldTheRowOfAnArray) {
   run("CREATE TEMP TABLE dyn_rows (a text)");
   Statement insert = statement("INSERT INTO dyn_rows VALUES (:v)");
   Sender sender{.pieces = {{.bytes = "a"}, {.bytes = "b"}, {.bytes = "c"}}};
+  encode(sender);
   bind(insert, &sender, SQLT_CHR);
   ASSERT_EQ(insert.execute(3), OCI_SUCCESS) << errorText();
   EXPECT_EQ(sender.rows, (std::vector<ub4>{0, 1, 2}));
@@ -179,6 +185,7 @@ TEST_F(DynamicBindTest, DeleteAsksForARowOnlyWhenThoseBeforeItAreDone) {
   Statement remove = statement("DELETE FROM dyn_del WHERE a = :v");
   Sender sender{.pieces = {{.bytes = "1"}, {.bytes = "2"}, {.bytes = "3"}},
                 .failAtCall = 2};
+  encode(sender);
   bind(remove, &sender, SQLT_CHR);
   EXPECT_EQ(remove.execute(3), OCI_ERROR);
   expectError(24343);

@@ -33,10 +33,8 @@ class Errors : public OciTest {
  protected:
   /// Lets the server raise an error of this SQLSTATE in its own words.
   void raise(const std::string &state) {
-    auto raising = statement(
-        "do $$ declare nothing int; begin raise exception 'own words' "
-        "using errcode = '" +
-        state + "'; end $$");
+    auto raising = statement("do $$ declare nothing int; begin raise exception '" +
+                             kWords + "' using errcode = '" + state + "'; end $$");
     EXPECT_EQ(raising.execute(), OCI_ERROR) << state;
   }
   sb4 code(ub4 record = 1) {
@@ -48,8 +46,9 @@ class Errors : public OciTest {
     OraText state[6], text[256] = {};
     const sword status =
         OCIPGErrorGet(errhp(), 1, state, 6, text, sizeof text, OCI_HTYPE_ERROR);
-    return status == OCI_SUCCESS ? reinterpret_cast<char *>(text) : "";
+    return status == OCI_SUCCESS ? decodedUpToEnd(text) : "";
   }
+  const std::string kWords = dressed("own words");
 };
 
 TEST_F(Errors, EveryMappedSqlstateReadsAsItsNumberAndKeepsTheServersWords) {
@@ -57,9 +56,9 @@ TEST_F(Errors, EveryMappedSqlstateReadsAsItsNumberAndKeepsTheServersWords) {
     if (std::string(row.state).substr(0, 2) == "08") continue;
     raise(row.state);
     EXPECT_EQ(code(), row.code) << row.state;
-    EXPECT_EQ(errorText(), row.code ? catalogueText(row.code) : "own words") << row.state;
+    EXPECT_EQ(errorText(), row.code ? catalogueText(row.code) : kWords) << row.state;
     EXPECT_EQ(serverState(), row.state);
-    EXPECT_EQ(serverWords(), "own words");
+    EXPECT_EQ(serverWords(), kWords);
   }
 }
 
@@ -77,7 +76,7 @@ TEST_F(Errors, AStateOutsideTheMapReadsInTheServersWords) {
   for (const char *state : {"42883", "P0001", "XX000", "ZZ999", "23P01"}) {
     raise(state);
     EXPECT_EQ(code(), 0) << state;
-    EXPECT_EQ(errorText(), "own words");
+    EXPECT_EQ(errorText(), kWords);
     EXPECT_EQ(serverState(), state);
   }
 }
@@ -103,9 +102,9 @@ TEST_F(Errors, TheNextCallForgetsTheFormersRecords) {
 }
 
 TEST_F(Errors, ANoticeIsARecordBesideSuccess) {
-  auto noisy = statement("do $$ begin raise notice 'listen'; end $$");
+  auto noisy = statement("do $$ begin raise notice '" + dressed("listen") + "'; end $$");
   EXPECT_EQ(noisy.execute(), OCI_SUCCESS_WITH_INFO);
-  expectError(0, "NOTICE:  listen");
+  expectError(0, "NOTICE:  " + dressed("listen"));
 }
 
 }  // namespace

@@ -38,9 +38,9 @@ class ExecuteTest : public OciTest {
     return count;
   }
 
-  const std::string table_ = "execute_rows_" + std::to_string(getpid());
+  const std::string table_ = dressed("execute_rows_" + std::to_string(getpid()));
   sb4 id_ = 1;
-  std::string name_ = "one";
+  Given name_{"one"};
 };
 
 TEST_F(ExecuteTest, DmlStaysInTheTransactionUntilItIsCommitted) {

@@ -170,15 +170,17 @@ TEST_F(FetchTest, AnArrayExecuteWithPrefetchCountsOneRowAsHandedOut) {
 
 TEST_F(FetchTest, ANullSetsTheIndicatorAndLeavesTheValue) {
   Statement stmt = statement("SELECT NULL::text");
-  char value[8] = "before";
+  char value[16];
+  put(value, "before");
+  const sb4 size = bytes(8);
   sb2 indicator = 7;
   ub2 length = 0, returnCode = 0;
-  stmt.define(1, value, sizeof value, SQLT_CHR, &indicator, &length, &returnCode);
+  stmt.define(1, value, size, SQLT_CHR, &indicator, &length, &returnCode);
   EXPECT_EQ(stmt.execute(), OCI_SUCCESS);
   EXPECT_EQ(indicator, -1);
   EXPECT_EQ(returnCode, 1405);
-  EXPECT_EQ(length, sizeof value);
-  EXPECT_STREQ(value, "before");
+  EXPECT_EQ(length, size);
+  EXPECT_EQ(decodedUpToEnd(value), "before");
   EXPECT_EQ(errorText(), "");
 }
 
@@ -323,14 +325,16 @@ class LongFetchTest : public FetchTest, public testing::WithParamInterface<ub4> 
 
 TEST_P(LongFetchTest, EveryRowArrivesOnce) {
   constexpr sb4 kRows = 200'000;
-  Statement stmt = statement("SELECT g, 'row ' || g FROM generate_series(1, " +
-                             std::to_string(kRows) + ") g");
+  Statement stmt =
+      statement("SELECT g, 'row ' || g || '" + dressed("") +
+                "' FROM generate_series(1, " + std::to_string(kRows) + ") g");
   stmt.setAttribute(ZEVOCI_ATTR_CURSOR_STRATEGY, GetParam());
   std::vector<sb4> ids(1000);
-  std::vector<char> names(1000 * 16);
+  const auto room = bytes<std::size_t>(24);
+  std::vector<char> names(1000 * room);
   std::vector<ub2> lengths(1000);
   stmt.define(1, ids.data(), sizeof ids[0], SQLT_INT);
-  stmt.define(2, names.data(), 16, SQLT_STR, nullptr, lengths.data());
+  stmt.define(2, names.data(), static_cast<sb4>(room), SQLT_STR, nullptr, lengths.data());
   ASSERT_EQ(stmt.execute(0), OCI_SUCCESS);
   sb4 next = 1;
   sword status;
@@ -339,7 +343,8 @@ TEST_P(LongFetchTest, EveryRowArrivesOnce) {
     ASSERT_TRUE(status == OCI_SUCCESS || status == OCI_NO_DATA) << errorText();
     for (ub4 i = 0; i < stmt.attribute(OCI_ATTR_ROWS_FETCHED); ++i, ++next) {
       ASSERT_EQ(ids[i], next);
-      ASSERT_EQ("row " + std::to_string(next), names.data() + i * 16);
+      ASSERT_EQ(dressed("row " + std::to_string(next)),
+                decodedUpToEnd(names.data() + i * room));
     }
   } while (status == OCI_SUCCESS);
   EXPECT_EQ(next, kRows + 1);

@@ -6,14 +6,6 @@
 namespace zev::test {
 namespace {
 
-const OraText *asText(const std::string &text) {
-  return reinterpret_cast<const OraText *>(text.data());
-}
-
-ub4 lengthOf(const std::string &text) {
-  return static_cast<ub4>(text.size());
-}
-
 std::string percentEncoded(const std::string &text) {
   std::string out;
   for (const char c : text) {
@@ -24,21 +16,15 @@ std::string percentEncoded(const std::string &text) {
   return out;
 }
 
-std::string utf16(const std::string &ascii) {
-  std::string wide;
-  for (const char c : ascii) wide += std::string{c, '\0'};
-  return wide;
-}
-
 class Logon : public OciTest {
  protected:
   const ServerAddress &at = testServer();
 
   sword logonTo(const std::string &target, const std::string &user,
                 const std::string &password, OCISvcCtx **service) {
-    return OCILogon(env(), errhp(), service, asText(user), lengthOf(user),
-                    asText(password), lengthOf(password), asText(target),
-                    lengthOf(target));
+    const Given name(user), secret(password), where(target);
+    return OCILogon(env(), errhp(), service, name.text(), name.size(), secret.text(),
+                    secret.size(), where.text(), where.size());
   }
   /// Logs on to `target`, which must fail with 12154 and `words`.
   void expectRefused(const std::string &target, const std::string &password,
@@ -101,21 +87,21 @@ TEST_F(Logon, ANameThatIsNotKnownIsRefused) {
 
 TEST_F(Logon, UserAndAddressMustBeGivenAndAPasswordNeedNot) {
   OCISvcCtx *service = nullptr;
-  const std::string target = connectString();
-  EXPECT_EQ(OCILogon(env(), errhp(), &service, nullptr, 0, asText(at.password), 1,
-                     asText(target), lengthOf(target)),
+  const Given user(at.user), password(at.password), target(connectString());
+  EXPECT_EQ(OCILogon(env(), errhp(), &service, nullptr, 0, password.text(),
+                     password.size(), target.text(), target.size()),
             OCI_ERROR);
   expectError(21560, "KESTREL-21560: null, invalid, or out of range argument 4");
-  EXPECT_EQ(OCILogon(env(), errhp(), &service, asText(at.user), 3, asText(at.password), 1,
-                     nullptr, 0),
+  EXPECT_EQ(OCILogon(env(), errhp(), &service, user.text(), user.size(), password.text(),
+                     password.size(), nullptr, 0),
             OCI_ERROR);
   expectError(21560, "KESTREL-21560: null, invalid, or out of range argument 8");
-  EXPECT_EQ(OCILogon(env(), errhp(), &service, asText(at.user), lengthOf(at.user),
-                     nullptr, 0, asText(target), lengthOf(target)),
+  EXPECT_EQ(OCILogon(env(), errhp(), &service, user.text(), user.size(), nullptr, 0,
+                     target.text(), target.size()),
             OCI_ERROR);
   expectError(12154, "no password supplied");
-  EXPECT_EQ(OCILogon(env(), errhp(), nullptr, asText(at.user), 3, nullptr, 0,
-                     asText(target), 1),
+  EXPECT_EQ(OCILogon(env(), errhp(), nullptr, user.text(), user.size(), nullptr, 0,
+                     target.text(), target.size()),
             OCI_ERROR);
 }
 
@@ -126,12 +112,12 @@ TEST_F(Logon, AFailureLeavesNoServiceContextAndTheEnvironmentUsable) {
 
 TEST_F(Logon, TheStatementCacheModeOfTheSecondFormConnectsToo) {
   OCISvcCtx *service = nullptr;
-  const std::string target = connectString();
+  const Given user(at.user), password(at.password), target(connectString());
   for (const ub4 mode : {0u, 4u, 1u}) {
-    EXPECT_EQ(OCILogon2(env(), errhp(), &service, asText(at.user), lengthOf(at.user),
-                        asText(at.password), lengthOf(at.password), asText(target),
-                        lengthOf(target), mode),
-              OCI_SUCCESS);
+    EXPECT_EQ(
+        OCILogon2(env(), errhp(), &service, user.text(), user.size(), password.text(),
+                  password.size(), target.text(), target.size(), mode),
+        OCI_SUCCESS);
     EXPECT_EQ(OCILogoff(service, errhp()), OCI_SUCCESS);
   }
 }
@@ -150,8 +136,11 @@ TEST_F(Logon, ASessionStartsWithTwoCommandsAndEndsWithNone) {
   setVariable("OCI_TRACE_PROTOCOL", path);
   OCISvcCtx *service = logon();
   unsetenv("OCI_TRACE_PROTOCOL");
-  const std::vector<std::string> wanted = {"set client_encoding to 'SQL_ASCII'",
-                                           "set DateStyle to 'ISO'"};
+  const char *encoding = isUtf16()               ? "UTF8"
+                         : programText().charset ? "WINDOWS-1251"
+                                                 : "SQL_ASCII";
+  const std::vector<std::string> wanted = {
+      "set client_encoding to '" + std::string(encoding) + "'", "set DateStyle to 'ISO'"};
   const WireLog start = parseWireLog(readFile(path));
   EXPECT_EQ(start.sql, wanted);
   EXPECT_EQ(start.roundTrips, 2);
@@ -172,62 +161,6 @@ TEST_F(Logon, ADateFormatThatTheServerDoesNotKnowIsItsError) {
   EXPECT_EQ(serverState(), "42601");
   expectError(16945);
 }
-
-struct EncodingCase {
-  const char *name;
-  ub2 charset;
-  ub4 mode;
-  const char *clientEncoding;
-};
-
-class ClientEncoding : public testing::TestWithParam<EncodingCase> {};
-
-TEST_P(ClientEncoding, IsThatOfTheEnvironment) {
-  const EncodingCase &c = GetParam();
-  const ServerAddress &at = testServer();
-  OCIEnv *env = nullptr;
-  ASSERT_EQ(OCIEnvNlsCreate(&env, c.mode, nullptr, nullptr, nullptr, nullptr, 0, nullptr,
-                            c.charset, 0),
-            OCI_SUCCESS);
-  OCIError *errhp = nullptr;
-  OCIHandleAlloc(env, reinterpret_cast<void **>(&errhp), OCI_HTYPE_ERROR, 0, nullptr);
-  const auto edge = [&](const std::string &text) { return c.mode ? utf16(text) : text; };
-  const std::string user = edge(at.user), password = edge(at.password),
-                    target = edge(at.host + ":" + at.port + "/" + at.db),
-                    sql =
-                        edge("select 1 / case current_setting('client_encoding') when '" +
-                             std::string(c.clientEncoding) + "' then 1 else 0 end");
-  OCISvcCtx *service = nullptr;
-  ASSERT_EQ(OCILogon(env, errhp, &service, asText(user), lengthOf(user), asText(password),
-                     lengthOf(password), asText(target), lengthOf(target)),
-            OCI_SUCCESS);
-  OCIStmt *stmt = nullptr;
-  OCIHandleAlloc(env, reinterpret_cast<void **>(&stmt), OCI_HTYPE_STMT, 0, nullptr);
-  OCIStmtPrepare(stmt, errhp, asText(sql), lengthOf(sql), OCI_NTV_SYNTAX, OCI_DEFAULT);
-  sb4 answer = 0;
-  OCIDefine *define = nullptr;
-  OCIDefineByPos(stmt, &define, errhp, 1, &answer, sizeof answer, SQLT_INT, nullptr,
-                 nullptr, nullptr, OCI_DEFAULT);
-  EXPECT_EQ(OCIStmtExecute(service, stmt, errhp, 1, 0, nullptr, nullptr, OCI_DEFAULT),
-            OCI_SUCCESS);
-  EXPECT_EQ(answer, 1);
-  OCIHandleFree(stmt, OCI_HTYPE_STMT);
-  EXPECT_EQ(OCILogoff(service, errhp), OCI_SUCCESS);
-  EXPECT_EQ(OCIHandleFree(env, OCI_HTYPE_ENV), OCI_SUCCESS);
-}
-
-INSTANTIATE_TEST_SUITE_P(Encodings, ClientEncoding,
-                         testing::Values(EncodingCase{"Utf8", 6, 0, "UTF8"},
-                                         EncodingCase{"Latin1", 8, 0, "LATIN1"},
-                                         EncodingCase{"Latin9", 16, 0, "LATIN9"},
-                                         EncodingCase{"Windows1251", 23, 0, "WIN1251"},
-                                         EncodingCase{"EucJp", 1, 0, "EUC_JP"},
-                                         EncodingCase{"Sjis", 34, 0, "SJIS"},
-                                         EncodingCase{"Gb18030", 38, 0, "GB18030"},
-                                         EncodingCase{"Iso88595", 25, 0, "ISO_8859_5"},
-                                         EncodingCase{"Utf16", 39, OCI_UTF16, "UTF8"},
-                                         EncodingCase{"Utf16Big", 40, OCI_UTF16, "UTF8"}),
-                         [](const auto &p) { return std::string(p.param.name); });
 
 /// The steps of a logon one by one.
 class Steps : public Logon {
@@ -252,13 +185,14 @@ class Steps : public Logon {
     OCIAttrSet(service, OCI_HTYPE_SVCCTX, session, 0, OCI_ATTR_SESSION, errhp());
   }
   void set(ub4 attribute, const std::string &text) {
-    OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(asText(text)),
-               lengthOf(text), attribute, errhp());
+    Given given(text);
+    OCIAttrSet(session, OCI_HTYPE_SESSION, given.data(), given.room<ub4>(), attribute,
+               errhp());
   }
   sword attach() {
-    const std::string target = connectString();
-    return OCIServerAttach(server, errhp(), asText(target),
-                           static_cast<sb4>(target.size()), OCI_DEFAULT);
+    const Given target(connectString());
+    return OCIServerAttach(server, errhp(), target.text(), target.size<sb4>(),
+                           OCI_DEFAULT);
   }
   sword detach() {
     status();  // which clears the records; a detach does not

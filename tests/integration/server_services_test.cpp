@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <thread>
 
 #include "tests/integration/support/oci_test.h"
@@ -9,14 +10,6 @@
 
 namespace zev::test {
 namespace {
-
-const OraText *asText(const std::string &text) {
-  return reinterpret_cast<const OraText *>(text.c_str());
-}
-
-ub4 lengthOf(const std::string &text) {
-  return static_cast<ub4>(text.size());
-}
 
 class Services : public OciTest {
  protected:
@@ -71,9 +64,9 @@ TEST_F(Services, CommitAndRollbackAreOneRoundTripEach) {
 }
 
 TEST_F(Services, TheVersionIsTheServersTextWithItsTerminator) {
-  const std::string wanted = query("select version()");
+  const Given wanted(query("select version()"));
   for (const bool byServer : {true, false}) {
-    OraText text[512];
+    OraText text[1024];
     std::fill(std::begin(text), std::end(text), '#');
     void *handle = byServer ? static_cast<void *>(server()) : svchp();
     const ub1 type = byServer ? OCI_HTYPE_SERVER : OCI_HTYPE_SVCCTX;
@@ -82,20 +75,20 @@ TEST_F(Services, TheVersionIsTheServersTextWithItsTerminator) {
     });
     EXPECT_EQ(log.sql, Sql{"SELECT VERSION()"});
     EXPECT_EQ(log.roundTrips, 1);
-    EXPECT_EQ(reinterpret_cast<char *>(text), wanted);
-    EXPECT_EQ(text[wanted.size() + 1], '#');
+    EXPECT_EQ(std::memcmp(text, wanted.text(), wanted.room<std::size_t>()), 0);
+    EXPECT_EQ(text[wanted.room()], '#');
   }
 }
 
 TEST_F(Services, AVersionThatIsCutHasNoTerminator) {
-  const std::string wanted = query("select version()");
-  for (const ub4 size : {ub4{1}, ub4{5}, lengthOf(wanted), lengthOf(wanted) + 1}) {
-    std::string buffer(wanted.size() + 10, '#');
+  const std::string whole = encoded(query("select version()") + '\0');
+  const auto length = static_cast<ub4>(whole.size());
+  for (const ub4 size : {1u, 5u, length - bytes(1u), length}) {
+    std::string buffer(whole.size() + 9, '#');
     EXPECT_EQ(
         OCIServerVersion(server(), errhp(), reinterpret_cast<OraText *>(buffer.data()),
                          size, OCI_HTYPE_SERVER),
         OCI_SUCCESS);
-    const std::string whole = wanted + '\0';
     EXPECT_EQ(buffer, whole.substr(0, size) + std::string(buffer.size() - size, '#'));
   }
 }
@@ -117,7 +110,7 @@ TEST_F(Services, AVersionNeedsItsArguments) {
 
 TEST_F(Services, TheReleasePacksTheServersNumber) {
   const ub4 number = static_cast<ub4>(std::stoul(query("show server_version_num")));
-  OraText text[512];
+  OraText text[1024];
   ub4 version = 0;
   EXPECT_EQ(
       OCIServerRelease(svchp(), errhp(), text, sizeof text, OCI_HTYPE_SVCCTX, &version),
@@ -126,41 +119,10 @@ TEST_F(Services, TheReleasePacksTheServersNumber) {
   EXPECT_EQ(version >> 20 & 15, number / 100 % 100);
   EXPECT_EQ(version >> 12 & 255, number % 100);
   EXPECT_EQ(version & 0xfff, 0u);
-  EXPECT_EQ(reinterpret_cast<char *>(text), query("select version()"));
+  EXPECT_EQ(decodedUpToEnd(text), query("select version()"));
   EXPECT_EQ(
       OCIServerRelease(server(), errhp(), text, sizeof text, OCI_HTYPE_SERVER, nullptr),
       OCI_SUCCESS);
-}
-
-TEST_F(Services, TheVersionCrossesInUtf16) {
-  OCIEnv *wide = nullptr;
-  ASSERT_EQ(
-      OCIEnvCreate(&wide, OCI_UTF16, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-      OCI_SUCCESS);
-  OCIError *error = nullptr;
-  OCIHandleAlloc(wide, reinterpret_cast<void **>(&error), OCI_HTYPE_ERROR, 0, nullptr);
-  const auto utf16 = [](const std::string &ascii) {
-    std::string text;
-    for (const char c : ascii) text += std::string{c, '\0'};
-    return text;
-  };
-  const ServerAddress &at = testServer();
-  const std::string user = utf16(at.user), password = utf16(at.password),
-                    target = utf16(connectString());
-  OCISvcCtx *service = nullptr;
-  ASSERT_EQ(
-      OCILogon(wide, error, &service, asText(user), lengthOf(user), asText(password),
-               lengthOf(password), asText(target), lengthOf(target)),
-      OCI_SUCCESS);
-  std::string buffer(1024, '#');
-  EXPECT_EQ(OCIServerVersion(service, error, reinterpret_cast<OraText *>(buffer.data()),
-                             1024, OCI_HTYPE_SVCCTX),
-            OCI_SUCCESS);
-  const std::string wanted = utf16(query("select version()") + '\0');
-  EXPECT_EQ(buffer.substr(0, wanted.size()), wanted);
-  EXPECT_EQ(buffer[wanted.size()], '#');
-  EXPECT_EQ(OCILogoff(service, error), OCI_SUCCESS);
-  EXPECT_EQ(OCIHandleFree(wide, OCI_HTYPE_ENV), OCI_SUCCESS);
 }
 
 TEST_F(Services, ABreakFromASecondThreadEndsARunningStatement) {
@@ -269,33 +231,38 @@ class PasswordChange : public Services {
     Services::TearDown();
   }
   OCISvcCtx *logonAs(const std::string &password) {
-    const std::string target = connectString();
+    const Given role(role_), secret(password), target(connectString());
     OCISvcCtx *made = nullptr;
-    OCILogon(env(), errhp(), &made, asText(role_), lengthOf(role_), asText(password),
-             lengthOf(password), asText(target), lengthOf(target));
+    OCILogon(env(), errhp(), &made, role.text(), role.size(), secret.text(),
+             secret.size(), target.text(), target.size());
     return made;
   }
   sword change(const std::string &password, ub4 mode = OCI_DEFAULT,
                const std::string &other = {}) {
-    const std::string &user = other.empty() ? role_ : other;
-    const std::string former = "not looked at";
-    return OCIPasswordChange(service_, errhp(), asText(user), lengthOf(user),
-                             asText(former), lengthOf(former), asText(password),
-                             lengthOf(password), mode);
+    const Given user(other.empty() ? role_ : other), former("not looked at"),
+        next(password);
+    // A text runs to its end, and with it in UTF-16.
+    return OCIPasswordChange(service_, errhp(), user.text(), user.room<ub4>(),
+                             former.text(), former.room<ub4>(), next.text(),
+                             next.room<ub4>(), mode);
   }
   bool logsOnWith(const std::string &password) {
     OCISvcCtx *made = logonAs(password);
     if (made) OCILogoff(made, errhp());
     return made;
   }
-  const std::string role_ = "zev_changing_" + std::to_string(getpid());
+  /// The server reads names and passwords of a logon as they stand in its own encoding.
+  static std::string own(const std::string &ascii) {
+    return isUtf16() ? dressed(ascii) : ascii;
+  }
+  const std::string role_ = own("zev_changing_" + std::to_string(getpid()));
   OCISvcCtx *service_ = nullptr;
 };
 
 TEST_F(PasswordChange, HoldsForLaterLogonsAndInTheSession) {
-  EXPECT_EQ(change("second"), OCI_SUCCESS) << errorText();
+  EXPECT_EQ(change(own("second")), OCI_SUCCESS) << errorText();
   EXPECT_FALSE(logsOnWith("first"));
-  EXPECT_TRUE(logsOnWith("second"));
+  EXPECT_TRUE(logsOnWith(own("second")));
   // The session has the new password: its next beginning succeeds.
   OCISession *user = linked<OCISession>(service_, OCI_ATTR_SESSION);
   EXPECT_EQ(OCISessionEnd(service_, errhp(), user, OCI_DEFAULT), OCI_SUCCESS);

@@ -9,22 +9,12 @@
 namespace zev::test {
 namespace {
 
-OraText *bytes(std::string &text) {
-  return reinterpret_cast<OraText *>(text.data());
-}
-
-ub4 lengthOf(const std::string &text) {
-  return static_cast<ub4>(text.size());
-}
-
 /// A pool below an environment of its own, so that a test can free both.
 class SessionPool : public OciTest {
  protected:
   void SetUp() override {
     OciTest::SetUp();
-    ASSERT_EQ(OCIEnvCreate(&pooled_, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0,
-                           nullptr),
-              OCI_SUCCESS);
+    ASSERT_EQ(createEnv(&pooled_), OCI_SUCCESS);
     error_ = alloc<OCIError>(OCI_HTYPE_ERROR);
     as_ = alloc<OCISession>(OCI_HTYPE_SESSION);
   }
@@ -45,24 +35,28 @@ class SessionPool : public OciTest {
   }
 
   sword create(ub4 sessMin, ub4 sessMax, ub4 mode = OCI_SPC_HOMOGENEOUS) {
-    std::string target = connectString(), user = at_.user, password = at_.password;
+    Given target(connectString()), user(at_.user), password(at_.password);
     OraText *name = nullptr;
     ub4 length = 0;
     const sword status = OCISessionPoolCreate(
-        pooled_, error_, alloc<OCISPool>(OCI_HTYPE_SPOOL), &name, &length, bytes(target),
-        lengthOf(target), sessMin, sessMax, 1, bytes(user), lengthOf(user),
-        bytes(password), lengthOf(password), mode);
+        pooled_, error_, alloc<OCISPool>(OCI_HTYPE_SPOOL), &name, &length, target.text(),
+        target.size(), sessMin, sessMax, 1, user.text(), user.size(), password.text(),
+        password.size(), mode);
     if (name) name_.assign(reinterpret_cast<char *>(name), length - 1);
     std::free(name);
     return status;
   }
 
+  /// The pool's name, which the library gives as ASCII.
+  OraText *nameText() { return reinterpret_cast<OraText *>(name_.data()); }
+  ub4 nameLength() const { return static_cast<ub4>(name_.size()); }
+
   /// A session, null when there is none.
   OCISvcCtx *get() {
     OCISvcCtx *svchp = nullptr;
     const sword status =
-        OCISessionGet(pooled_, error_, &svchp, as_, bytes(name_), lengthOf(name_),
-                      nullptr, 0, nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL);
+        OCISessionGet(pooled_, error_, &svchp, as_, nameText(), nameLength(), nullptr, 0,
+                      nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL);
     EXPECT_EQ(svchp != nullptr, status == OCI_SUCCESS);
     return svchp;
   }
@@ -154,25 +148,24 @@ TEST_F(SessionPool, APoolThatLogsOnNobodyLeavesTheContextAsItWas) {
   ASSERT_EQ(create(3, 5, OCI_DEFAULT), OCI_SUCCESS);
   OCISvcCtx *const mine = svchp();
   OCISvcCtx *given = mine;
-  EXPECT_EQ(OCISessionGet(pooled_, error_, &given, as_, bytes(name_), lengthOf(name_),
-                          nullptr, 0, nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL),
+  EXPECT_EQ(OCISessionGet(pooled_, error_, &given, as_, nameText(), nameLength(), nullptr,
+                          0, nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL),
             OCI_SUCCESS);
   EXPECT_EQ(given, mine);
   given = nullptr;
-  EXPECT_EQ(OCISessionGet(pooled_, error_, &given, as_, bytes(name_), lengthOf(name_),
-                          nullptr, 0, nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL),
+  EXPECT_EQ(OCISessionGet(pooled_, error_, &given, as_, nameText(), nameLength(), nullptr,
+                          0, nullptr, nullptr, nullptr, OCI_SESSGET_SPOOL),
             OCI_INVALID_HANDLE);
   EXPECT_EQ(given, nullptr);
 }
 
 TEST_F(SessionPool, AUserWithoutAPoolIsLoggedOnByName) {
-  std::string user = at_.user, password = at_.password, target = connectString();
-  OCIAttrSet(as_, OCI_HTYPE_SESSION, user.data(), lengthOf(user), OCI_ATTR_USERNAME,
+  Given user(at_.user), password(at_.password), target(connectString());
+  OCIAttrSet(as_, OCI_HTYPE_SESSION, user.data(), user.size(), OCI_ATTR_USERNAME, error_);
+  OCIAttrSet(as_, OCI_HTYPE_SESSION, password.data(), password.size(), OCI_ATTR_PASSWORD,
              error_);
-  OCIAttrSet(as_, OCI_HTYPE_SESSION, password.data(), lengthOf(password),
-             OCI_ATTR_PASSWORD, error_);
   OCISvcCtx *svchp = nullptr;
-  ASSERT_EQ(OCISessionGet(pooled_, error_, &svchp, as_, bytes(target), lengthOf(target),
+  ASSERT_EQ(OCISessionGet(pooled_, error_, &svchp, as_, target.text(), target.size(),
                           nullptr, 0, nullptr, nullptr, nullptr, OCI_DEFAULT),
             OCI_SUCCESS);
   const std::string pid = process(svchp);

@@ -5,21 +5,15 @@
 namespace zev::test {
 namespace {
 
-const OraText *asText(std::string_view text) {
-  return reinterpret_cast<const OraText *>(text.data());
-}
-
 class StatementCacheTest : public StatementFixture {
  protected:
   void SetUp() override {
     StatementFixture::SetUp();
-    const ServerAddress &address = testServer();
-    const std::string target = connectString();
-    const auto length = [](const std::string &s) { return static_cast<ub4>(s.size()); };
+    const Given user(testServer().user), password(testServer().password),
+        target(connectString());
     ASSERT_EQ(
-        OCILogon2(env(), errhp(), &cached_, asText(address.user), length(address.user),
-                  asText(address.password), length(address.password), asText(target),
-                  length(target), OCI_LOGON2_STMTCACHE),
+        OCILogon2(env(), errhp(), &cached_, user.text(), user.size(), password.text(),
+                  password.size(), target.text(), target.size(), OCI_LOGON2_STMTCACHE),
         OCI_SUCCESS)
         << errorText();
   }
@@ -36,18 +30,18 @@ class StatementCacheTest : public StatementFixture {
   Answer prepare2(OCISvcCtx *service, std::string_view text, const char *key = nullptr,
                   ub4 mode = OCI_DEFAULT, ub4 language = OCI_NTV_SYNTAX) {
     Answer answer{0, reinterpret_cast<OCIStmt *>(this)};
-    answer.status = OCIStmtPrepare2(
-        service, &answer.stmt, errhp(), asText(text), static_cast<ub4>(text.size()),
-        reinterpret_cast<const OraText *>(key),
-        key ? static_cast<ub4>(std::string_view(key).size()) : 0, language, mode);
+    const Given given(text), tag(key ? key : "");
+    answer.status =
+        OCIStmtPrepare2(service, &answer.stmt, errhp(), given.text(), given.size(),
+                        key ? tag.text() : nullptr, tag.size(), language, mode);
     return answer;
   }
   Answer search(const char *key) {
     return prepare2(cached_, "select 1", key, OCI_PREP2_CACHE_SEARCHONLY);
   }
   sword release(OCIStmt *stmt, const char *key = nullptr, ub4 mode = OCI_DEFAULT) {
-    return OCIStmtRelease(stmt, errhp(), reinterpret_cast<const OraText *>(key),
-                          key ? static_cast<ub4>(std::string_view(key).size()) : 0, mode);
+    const Given tag(key ? key : "");
+    return OCIStmtRelease(stmt, errhp(), key ? tag.text() : nullptr, tag.size(), mode);
   }
   sb4 valueOf(OCIStmt *stmt) {
     sb4 value = 0;
@@ -66,15 +60,14 @@ class StatementCacheTest : public StatementFixture {
 
 TEST_F(StatementCacheTest, WrongHandlesAndArgumentsAreRefused) {
   OCIStmt *stmt = nullptr;
-  EXPECT_EQ(
-      OCIStmtPrepare2(nullptr, &stmt, errhp(), asText("select 1"), 8, nullptr, 0, 1, 0),
-      OCI_INVALID_HANDLE);
-  EXPECT_EQ(
-      OCIStmtPrepare2(cached_, &stmt, nullptr, asText("select 1"), 8, nullptr, 0, 1, 0),
-      OCI_INVALID_HANDLE);
-  EXPECT_EQ(
-      OCIStmtPrepare2(cached_, nullptr, errhp(), asText("select 1"), 8, nullptr, 0, 1, 0),
-      OCI_ERROR);
+  const Given text("select 1");
+  const auto with = [&](OCISvcCtx *service, OCIStmt **stmtp, OCIError *error) {
+    return OCIStmtPrepare2(service, stmtp, error, text.text(), text.size(), nullptr, 0, 1,
+                           0);
+  };
+  EXPECT_EQ(with(nullptr, &stmt, errhp()), OCI_INVALID_HANDLE);
+  EXPECT_EQ(with(cached_, &stmt, nullptr), OCI_INVALID_HANDLE);
+  EXPECT_EQ(with(cached_, nullptr, errhp()), OCI_ERROR);
   EXPECT_TRUE(codes().empty());
   EXPECT_EQ(OCIStmtPrepare2(cached_, &stmt, errhp(), nullptr, 8, nullptr, 0, 1, 0),
             OCI_ERROR);
@@ -173,7 +166,8 @@ TEST_F(StatementCacheTest, AFailedPrepareMakesNoHandle) {
 
 TEST_F(StatementCacheTest, AHandleOfTheCacheCannotBePreparedOrFreedByTheProgram) {
   const Answer made = prepare2(cached_, "SELECT 1");
-  EXPECT_EQ(OCIStmtPrepare(made.stmt, errhp(), asText("SELECT 2"), 8, 1, 0),
+  const Given text("SELECT 2");
+  EXPECT_EQ(OCIStmtPrepare(made.stmt, errhp(), text.text(), text.size(), 1, 0),
             OCI_INVALID_HANDLE);
   EXPECT_EQ(OCIHandleFree(made.stmt, OCI_HTYPE_STMT), OCI_ERROR);
   EXPECT_EQ(valueOf(made.stmt), 1);

@@ -6,15 +6,13 @@
 namespace zev::test {
 namespace {
 
-const OraText *asText(const char *text) {
-  return reinterpret_cast<const OraText *>(text);
-}
-
 class PrepareTest : public StatementFixture {
  protected:
+  /// Prepares so many characters of `text`.
   sword prepare(Statement &stmt, const char *text, ub4 length,
                 ub4 language = OCI_NTV_SYNTAX, ub4 mode = OCI_DEFAULT) {
-    return OCIStmtPrepare(stmt.handle(), errhp(), asText(text), length, language, mode);
+    return OCIStmtPrepare(stmt.handle(), errhp(), text ? Given(text).text() : nullptr,
+                          bytes(length), language, mode);
   }
   std::string textOf(Statement &stmt) {
     char *text = nullptr;
@@ -23,7 +21,7 @@ class PrepareTest : public StatementFixture {
                          errhp()),
               OCI_SUCCESS);
     EXPECT_EQ(size, 77u);
-    return text ? text : "null";
+    return text ? decodedUpToEnd(text) : "null";
   }
   ub2 typeOf(Statement &stmt) {
     ub2 type = 77;
@@ -55,6 +53,9 @@ TEST_F(PrepareTest, TheTextIsTrimmedAtBothEnds) {
     Statement stmt = statement(c.given);
     EXPECT_EQ(textOf(stmt), c.kept);
   }
+  const std::string letters = "select '" + dressed("") + "'";
+  Statement stmt = statement(' ' + letters + ' ');
+  EXPECT_EQ(textOf(stmt), letters);
 }
 
 TEST_F(PrepareTest, OnlyTheGivenLengthIsTaken) {
@@ -70,18 +71,18 @@ TEST_F(PrepareTest, ATextReadThroughTheAttributeOutlivesTheNextPrepare) {
                        errhp()),
             OCI_SUCCESS);
   ASSERT_EQ(stmt.prepare("select 22"), OCI_SUCCESS);
-  EXPECT_STREQ(text, "select 1");
+  EXPECT_EQ(decodedUpToEnd(text), "select 1");
 }
 
 TEST_F(PrepareTest, WrongHandlesAreRefused) {
   Statement stmt = fresh();
-  EXPECT_EQ(OCIStmtPrepare(nullptr, errhp(), asText("select 1"), 8, 1, 0),
-            OCI_INVALID_HANDLE);
-  EXPECT_EQ(OCIStmtPrepare(stmt.handle(), nullptr, asText("select 1"), 8, 1, 0),
-            OCI_INVALID_HANDLE);
-  EXPECT_EQ(
-      OCIStmtPrepare(reinterpret_cast<OCIStmt *>(env()), errhp(), asText("s"), 1, 1, 0),
-      OCI_INVALID_HANDLE);
+  const Given text("select 1");
+  const auto with = [&](OCIStmt *stmtp, OCIError *error) {
+    return OCIStmtPrepare(stmtp, error, text.text(), text.size(), 1, 0);
+  };
+  EXPECT_EQ(with(nullptr, errhp()), OCI_INVALID_HANDLE);
+  EXPECT_EQ(with(stmt.handle(), nullptr), OCI_INVALID_HANDLE);
+  EXPECT_EQ(with(reinterpret_cast<OCIStmt *>(env()), errhp()), OCI_INVALID_HANDLE);
 }
 
 TEST_F(PrepareTest, BadArgumentsHaveTheirNumbersAndClearFormerRecords) {

@@ -100,11 +100,7 @@ TEST_F(StepwiseTest, AFailingRowIsToldAndTheConnectionServes) {
   ids[2500] = 17;
   Statement stmt = insert(ids);
   EXPECT_EQ(untilDone(stmt, 5000), OCI_ERROR);
-  sb4 code = 0;
-  OraText text[1024] = {};
-  OCIErrorGet(errhp(), 1, nullptr, &code, text, sizeof text, OCI_HTYPE_ERROR);
-  EXPECT_EQ(code, 24338);
-  EXPECT_NE(errorText().find("Key (id)=(17)"), std::string::npos) << errorText();
+  expectError(24338, "Key (id)=(17)");
   ids[2500] = 2501;
   ASSERT_EQ(untilDone(stmt, 5000), OCI_SUCCESS) << errorText();
   commit();

@@ -62,7 +62,7 @@ class WireTest : public OciTest {
     return "DECLARE \"portal_#\" NO SCROLL CURSOR FOR " + selectionText();
   }
 
-  const std::string table_ = "wire_rows_" + std::to_string(getpid());
+  const std::string table_ = dressed("wire_rows_" + std::to_string(getpid()));
   sb4 top_ = 30;
   sb4 id_ = 0;
 };

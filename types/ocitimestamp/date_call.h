@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/arguments.h"
+#include "core/edge_text.h"
 #include "types/ocitimestamp/datetime_bytes.h"
 #include "zevoci/errors.h"
 #include "zevoci/trace.h"
@@ -40,35 +41,47 @@ inline sword failAfresh(OCIError *err, sb4 code) {
   return zev::fail(err, code);
 }
 
-/// Text of a given length with a terminator behind it. Short ones take no memory.
+/// The record of a text that is none in the program's encoding.
+inline sword failText(OCIError *err, const EdgeText &text) {
+  ClearErrorHandle(err);
+  return text.fail(err);
+}
+
+/// A text of the program's in the library's encoding, with a terminator behind it. Short
+/// ones take no memory where they are not converted.
 class Terminated {
  public:
   /// Not inline: of a length below 256 the compiler makes a string instruction, which
   /// takes longer than the C library's copy.
-  [[gnu::noinline]] Terminated(const OraText *text, std::size_t length) {
-    const auto *chars = reinterpret_cast<const char *>(text);
-    if (length >= sizeof short_) {
-      long_.assign(chars, length);
+  [[gnu::noinline]] Terminated(const OCIError *err, const OraText *text,
+                               std::size_t length)
+      : edge_(parentEnv(err), text, length) {
+    if (edge_.size() >= sizeof short_) {
+      long_.assign(edge_.view());
     } else {
-      if (length != 0) std::memcpy(short_, chars, length);
-      short_[length] = '\0';
+      if (edge_.size() != 0) std::memcpy(short_, edge_.data(), edge_.size());
+      short_[edge_.size()] = '\0';
     }
   }
+  explicit operator bool() const { return static_cast<bool>(edge_); }
+  sword fail(OCIError *err) const { return failText(err, edge_); }
   const char *get() const { return long_.empty() ? short_ : long_.c_str(); }
 
  private:
+  EdgeText edge_;
   char short_[256];
   std::string long_;
 };
 
-/// Puts text with its terminator into `room` bytes, cut where it is too long. How many
-/// characters there are of it.
-inline ub4 deliverCut(std::string_view text, OraText *buffer, ub4 room) {
-  if (room == 0) return 0;
-  const std::size_t length = std::min<std::size_t>(text.size(), room - 1);
-  std::memcpy(buffer, text.data(), length);
-  buffer[length] = '\0';
-  return static_cast<ub4>(length);
+/// Puts text with its terminator into `*room` bytes, cut where it is too long, in the
+/// program's encoding; `*room` is then how many bytes there are of it. OCI_ERROR with a
+/// record where it cannot be converted.
+inline sword deliverCut(OCIError *err, std::string_view text, OraText *buffer,
+                        ub4 *room) {
+  const EdgeResult edge(parentEnv(err), text);
+  if (!edge) return failText(err, edge);
+  *room = static_cast<ub4>(edge.copyCut(buffer, *room));
+  return OCI_SUCCESS;
 }
 
 }  // namespace zev::dates

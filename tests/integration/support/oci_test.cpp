@@ -22,14 +22,6 @@ void clearVariables() {
   for (const char *name : kVariables) unsetenv(name);
 }
 
-const OraText *asText(std::string_view text) {
-  return reinterpret_cast<const OraText *>(text.data());
-}
-
-ub4 lengthOf(std::string_view text) {
-  return static_cast<ub4>(text.size());
-}
-
 void *allocate(OCIEnv *env, ub4 type) {
   void *handle = nullptr;
   if (OCIHandleAlloc(env, &handle, type, 0, nullptr) != OCI_SUCCESS) {
@@ -54,7 +46,8 @@ Statement::Statement(OCIEnv *env, OCIError *errhp, OCISvcCtx *svchp)
       handle_(static_cast<OCIStmt *>(allocate(env, OCI_HTYPE_STMT))) {}
 
 sword Statement::prepare(std::string_view text) {
-  return OCIStmtPrepare(handle(), errhp_, asText(text), lengthOf(text), OCI_NTV_SYNTAX,
+  const Given given(text);
+  return OCIStmtPrepare(handle(), errhp_, given.text(), given.size(), OCI_NTV_SYNTAX,
                         OCI_DEFAULT);
 }
 
@@ -69,9 +62,10 @@ sword Statement::fetch(ub4 rows, ub2 orientation, sb4 offset) {
 sword Statement::bind(std::string_view placeholder, void *value, sb4 size, ub2 type,
                       sb2 *indicator, ub2 *length, ub2 *returnCode) {
   OCIBind *bind = nullptr;
-  return OCIBindByName(handle(), &bind, errhp_, asText(placeholder),
-                       static_cast<sb4>(placeholder.size()), value, size, type, indicator,
-                       length, returnCode, 0, nullptr, OCI_DEFAULT);
+  const Given name(placeholder);
+  return OCIBindByName(handle(), &bind, errhp_, name.text(), name.size<sb4>(), value,
+                       size, type, indicator, length, returnCode, 0, nullptr,
+                       OCI_DEFAULT);
 }
 
 sword Statement::define(ub4 position, void *value, sb4 size, ub2 type, sb2 *indicator,
@@ -102,9 +96,7 @@ OciTest::~OciTest() {
 }
 
 void OciTest::SetUp() {
-  ASSERT_EQ(
-      OCIEnvCreate(&env_, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-      OCI_SUCCESS);
+  ASSERT_EQ(createEnv(&env_), OCI_SUCCESS);
   errhp_ = static_cast<OCIError *>(allocate(env_, OCI_HTYPE_ERROR));
   reconnect();
 }
@@ -127,12 +119,11 @@ std::string OciTest::connectString() {
 }
 
 OCISvcCtx *OciTest::logon() {
-  const ServerAddress &server = testServer();
-  const std::string target = connectString();
+  const Given user(testServer().user), password(testServer().password),
+      target(connectString());
   OCISvcCtx *service = nullptr;
-  EXPECT_EQ(OCILogon(env_, errhp_, &service, asText(server.user), lengthOf(server.user),
-                     asText(server.password), lengthOf(server.password), asText(target),
-                     lengthOf(target)),
+  EXPECT_EQ(OCILogon(env_, errhp_, &service, user.text(), user.size(), password.text(),
+                     password.size(), target.text(), target.size()),
             OCI_SUCCESS)
       << errorText();
   return service;
@@ -175,7 +166,7 @@ void OciTest::expectError(sb4 code, std::string_view text) {
                         OCI_HTYPE_ERROR),
             OCI_SUCCESS)
       << "no error is recorded, expected " << code;
-  const std::string got = reinterpret_cast<const char *>(message);
+  const std::string got = decodedUpToEnd(message);
   EXPECT_EQ(recorded, code) << got;
   EXPECT_NE(got.find(text), std::string::npos) << got << " lacks " << text;
 }
@@ -185,7 +176,7 @@ std::string OciTest::errorText(ub4 record) {
   OraText message[4096] = {};
   const sword status = OCIErrorGet(errhp_, record, nullptr, &code, message,
                                    sizeof message, OCI_HTYPE_ERROR);
-  return status == OCI_SUCCESS ? reinterpret_cast<const char *>(message) : "";
+  return status == OCI_SUCCESS ? decodedUpToEnd(message) : "";
 }
 
 std::string OciTest::serverState() {

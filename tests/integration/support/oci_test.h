@@ -10,24 +10,32 @@
 #include <string>
 #include <string_view>
 
+#include "tests/integration/support/program_text.h"
 #include "tests/server/wire_log.h"
 
 namespace zev::test {
 
 /// A buffer for one text value, as a program has it: bytes, indicator, length and return
-/// code.
+/// code. It holds `Capacity` characters of ASCII.
 template <std::size_t Capacity = 256>
 struct TextBuffer {
-  char value[Capacity] = {};
+  char value[2 * Capacity] = {};
   sb2 indicator = 0;
   ub2 length = 0;
   ub2 returnCode = 0;
 
+  /// Stores a text with its terminator.
+  void set(std::string_view utf8) { put(value, utf8); }
+  /// What the program says of its size.
+  static sb4 size() { return bytes(static_cast<sb4>(Capacity)); }
   /// What was fetched, up to the returned length.
-  std::string text() const { return {value, length}; }
+  std::string text() const { return decoded({value, length}); }
+  /// What stands there, up to its terminator.
+  std::string textUpToEnd() const { return decodedUpToEnd(value); }
 };
 
-/// A statement handle; freed with its owner.
+/// A statement handle; freed with its owner. Texts are UTF-8, and are given to the
+/// library in the program's encoding.
 class Statement {
  public:
   Statement(OCIEnv *env, OCIError *errhp, OCISvcCtx *svchp);
@@ -44,10 +52,15 @@ class Statement {
   sword bind(std::string_view placeholder, sb4 &value, sb2 *indicator = nullptr) {
     return bind(placeholder, &value, sizeof value, SQLT_INT, indicator);
   }
-  /// Binds a NUL-terminated text that must outlive the execute.
-  sword bind(std::string_view placeholder, std::string &value, sb2 *indicator = nullptr) {
-    return bind(placeholder, value.data(), static_cast<sb4>(value.size() + 1), SQLT_STR,
-                indicator);
+  /// Binds a terminated text that must outlive the execute.
+  sword bind(std::string_view placeholder, Given &value, sb2 *indicator = nullptr) {
+    return bind(placeholder, value.data(), value.room(), SQLT_STR, indicator);
+  }
+
+  /// Binds a buffer that a text comes and goes in, by its terminator.
+  template <std::size_t Capacity>
+  sword bind(std::string_view placeholder, TextBuffer<Capacity> &buffer) {
+    return bind(placeholder, buffer.value, buffer.size(), SQLT_STR, &buffer.indicator);
   }
 
   /// Defines column `position`, counted from 1.
@@ -58,7 +71,7 @@ class Statement {
   }
   template <std::size_t Capacity>
   sword define(ub4 position, TextBuffer<Capacity> &buffer, ub2 type = SQLT_CHR) {
-    return define(position, buffer.value, Capacity, type, &buffer.indicator,
+    return define(position, buffer.value, buffer.size(), type, &buffer.indicator,
                   &buffer.length, &buffer.returnCode);
   }
 
@@ -93,7 +106,7 @@ class OciTest : public testing::Test {
   OCIError *errhp() const { return errhp_; }
   OCISvcCtx *svchp() const { return svchp_; }
 
-  /// The connect string of the fixture's server, host:port/db.
+  /// The connect string of the fixture's server, host:port/db, in UTF-8.
   static std::string connectString();
   /// One more connection; the caller ends it with OCILogoff.
   OCISvcCtx *logon();

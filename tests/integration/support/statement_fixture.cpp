@@ -6,7 +6,7 @@ namespace zev::test {
 
 void StatementFixture::SetUp() {
   OciTest::SetUp();
-  table_ = "rows_" + std::to_string(getpid());
+  table_ = dressed("rows_" + std::to_string(getpid()));
   query("SET client_min_messages = warning");
   query("DROP TABLE IF EXISTS " + table_);
   query("CREATE TABLE " + table_ + " (id int, t text)");
