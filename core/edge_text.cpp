@@ -35,7 +35,7 @@ std::size_t textLength(const OCIEnv *env, const void *text) {
 
 std::size_t textLength(const OCIEnv *env, const void *text, std::size_t limit) {
   const auto *chars = static_cast<const char *>(text);
-  if (terminatorSize(env) == 1) {
+  if (!isUtf16(env)) {
     return limit == SIZE_MAX ? std::strlen(chars) : strnlen(chars, limit);
   }
   std::size_t length = 0;
@@ -44,7 +44,7 @@ std::size_t textLength(const OCIEnv *env, const void *text, std::size_t limit) {
 }
 
 EdgeText::EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
-  if (env && env->utf16) {
+  if (isUtf16(env)) {
     convert(env->toUtf8, source, length);
   } else if (source) {
     data_ = static_cast<const char *>(source);
@@ -54,7 +54,7 @@ EdgeText::EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
 
 EdgeResult::EdgeResult(const OCIEnv *env, const void *source, std::size_t length)
     : terminator_(terminatorSize(env)) {
-  if (env && env->utf16) {
+  if (isUtf16(env)) {
     convert(env->fromUtf8, source, length);
   } else if (source) {
     data_ = static_cast<const char *>(source);

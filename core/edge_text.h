@@ -8,10 +8,14 @@
 
 namespace zev {
 
-/// Bytes of the zero that ends a text in the program's encoding. Without an environment a
-/// text is one of 8 bits, here and below.
+/// Whether text crosses the interface in UTF-16. Without an environment it does not, here
+/// and below.
+inline bool isUtf16(const OCIEnv *env) {
+  return env && env->utf16;
+}
+/// Bytes of the zero that ends a text in the program's encoding.
 inline std::size_t terminatorSize(const OCIEnv *env) {
-  return env && env->utf16 ? 2 : 1;
+  return isUtf16(env) ? 2 : 1;
 }
 /// Bytes in front of the zero that ends a text of the program's; 0 for null.
 std::size_t textLength(const OCIEnv *env, const void *text);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/edge_text.h"
 #include "stmt/bind_value.h"
 #include "stmt/field.h"
 #include "stmt/row_buffers.h"
@@ -32,9 +33,16 @@ struct Place {
   bool hasRoom() const { return buffer && length && *length != 0; }
 };
 
-bool isUtf16(const OCIError *errhp) {
-  const OCIEnv *env = zev::parentEnv(errhp);
-  return env && env->utf16;
+/// The bytes of a converted value that is dealt out. Some members report the length that
+/// a text has on the server, which is not the one that it has in UTF-16.
+std::size_t valueSize(const OCIEnv *env, ub2 dty, const char *value, std::size_t reported,
+                      std::size_t room) {
+  if (!zev::isUtf16(env) || reported == 0) return std::min(reported, room);
+  if (dty == SQLT_STR) return zev::textLength(env, value, room);
+  if (dty != SQLT_VCS) return std::min(reported, room);
+  ub2 prefix = 0;
+  std::memcpy(&prefix, value, sizeof prefix);
+  return std::min(sizeof prefix + prefix, room);
 }
 
 /// Deals a converted value out over the places that the program offers.
@@ -90,7 +98,8 @@ struct Delivery {
 
   sword inPieces(const Place &place) const {
     const auto fieldLength = static_cast<ub4>(field.length);
-    const std::size_t size = getOracleDataTypeSize(dty, fieldLength, isUtf16(errhp));
+    const OCIEnv *env = zev::parentEnv(errhp);
+    const std::size_t size = getOracleDataTypeSize(dty, fieldLength, zev::isUtf16(env));
     const bool unknownSize = size == 0 && fieldLength != 0 && conversion.convert;
     if (unknownSize || size > INT_MAX) return zev::fail(errhp, 24330);
     try {
@@ -101,8 +110,8 @@ struct Delivery {
       const sword status = zev::convertPlainField(errhp, conversion, field,
                                                   target(value.data(), &length, place));
       if (!zev::isSuccess(status)) return status;
-      return dealOut(errhp, value.data(), std::min<std::size_t>(length, size), place,
-                     ask);
+      return dealOut(errhp, value.data(), valueSize(env, dty, value.data(), length, size),
+                     place, ask);
     } catch (const std::bad_alloc &) {
       return zev::fail(errhp, 24330);
     }

@@ -216,11 +216,7 @@ TEST_F(ArrayTest, FailingRowStoresNothingOfItsBatchAndSaysWhich) {
     batch.ids[bad] = 42;
     batch.bind(stmt);
     EXPECT_EQ(stmt.execute(kBatch), OCI_ERROR) << bad;
-    sb4 code = 0;
-    OraText text[1024] = {};
-    OCIErrorGet(errhp(), 1, nullptr, &code, text, sizeof text, OCI_HTYPE_ERROR);
-    EXPECT_EQ(code, 24338) << bad;
-    EXPECT_NE(errorText().find("Key (id)=(42)"), std::string::npos) << errorText();
+    expectError(24338, "Key (id)=(42)");
     EXPECT_EQ(inSession("SELECT count(*) FROM " + table()), "100");
   }
 }
@@ -233,7 +229,7 @@ TEST_F(ArrayTest, FirstFailingRowIsTheOneThatIsTold) {
   Batch batch(kBatch);
   batch.fill(1);
   batch.ids[700] = 300;
-  std::strcpy(batch.texts[350].data(), "far too ok");
+  put(batch.texts[350].data(), "far too ok");
   batch.bind(stmt);
   EXPECT_EQ(stmt.execute(kBatch), OCI_ERROR);
   EXPECT_NE(errorText().find("check constraint"), std::string::npos) << errorText();

@@ -102,8 +102,9 @@ TEST_F(DynamicDefineTest, LongTextArrivesWholeInPieces) {
     std::snprintf(digits, sizeof digits, "%06d", i);
     expected += digits;
   }
-  EXPECT_EQ(receiver.receivedText(), expected);
-  EXPECT_EQ(receiver.pieces.size(), (bytes(expected.size()) + 996) / 997);
+  // SQLT_LNG gives text as the server has it, in every encoding of the program.
+  EXPECT_EQ(receiver.received(), expected);
+  EXPECT_EQ(receiver.pieces.size(), (expected.size() + 996) / 997);
 }
 
 TEST_F(DynamicDefineTest, EachPiecewiseTypeDeliversItsForm) {
@@ -114,7 +115,7 @@ TEST_F(DynamicDefineTest, EachPiecewiseTypeDeliversItsForm) {
   };
   const Row rows[] = {
       {SQLT_CHR, "SELECT 'text'", encoded("text")},
-      {SQLT_LNG, "SELECT 'text'", encoded("text")},
+      {SQLT_LNG, "SELECT 'text'", "text"},
       {SQLT_STR, "SELECT 'text'", encoded("text")},
       {SQLT_VCS, "SELECT 'text'", std::string({bytes('\4'), '\0'}) + encoded("text")},
       {SQLT_BIN, "SELECT '\\x00ff10'::bytea", std::string("\x00\xff\x10", 3)},

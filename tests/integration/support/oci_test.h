@@ -30,6 +30,8 @@ struct TextBuffer {
   static sb4 size() { return bytes(static_cast<sb4>(Capacity)); }
   /// What was fetched, up to the returned length.
   std::string text() const { return decoded({value, length}); }
+  /// The same of a number, whose characters are ASCII in every encoding.
+  std::string digits() const { return {value, length}; }
   /// What stands there, up to its terminator.
   std::string textUpToEnd() const { return decodedUpToEnd(value); }
 };

@@ -45,8 +45,12 @@ const ProgramText &programText() {
 }
 
 sword createEnv(OCIEnv **env, ub4 mode) {
-  return OCIEnvNlsCreate(env, mode | programText().mode, nullptr, nullptr, nullptr,
-                         nullptr, 0, nullptr, programText().charset, 0);
+  const ProgramText &text = programText();
+  mode |= text.mode;
+  return text.charset
+             ? OCIEnvNlsCreate(env, mode, nullptr, nullptr, nullptr, nullptr, 0, nullptr,
+                               text.charset, 0)
+             : OCIEnvCreate(env, mode, nullptr, nullptr, nullptr, nullptr, 0, nullptr);
 }
 
 std::string encoded(std::string_view utf8) {

@@ -15,8 +15,8 @@ namespace zev::test {
 struct ProgramText {
   const char *name;
   const char *iconvName;
-  ub4 mode;             ///< of OCIEnvNlsCreate
-  ub2 charset;          ///< of OCIEnvNlsCreate
+  ub4 mode;             ///< of OCIEnvCreate
+  ub2 charset;          ///< of OCIEnvNlsCreate, or 0
   std::size_t unit;     ///< bytes of an ASCII character, and of a terminator
   const char *letters;  ///< of several scripts, as an identifier may hold them
 };

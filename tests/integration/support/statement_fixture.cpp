@@ -23,7 +23,8 @@ std::string StatementFixture::committed() {
 }
 
 std::string StatementFixture::inSession(const std::string &sql) {
-  Statement stmt = statement(sql);
+  // Only columns of text are converted to UTF-16.
+  Statement stmt = statement(isUtf16() ? "SELECT (" + sql + ")::text" : sql);
   TextBuffer<> value;
   EXPECT_EQ(stmt.define(1, value), OCI_SUCCESS);
   EXPECT_EQ(stmt.execute(), OCI_SUCCESS) << sql << ": " << errorText();
