@@ -85,9 +85,9 @@ std::size_t EdgeResult::copyCut(void *buffer, std::size_t room) const {
 
 void EdgeResult::copyInto(void *buffer, std::size_t room) const {
   const std::size_t length = std::min(size_, room);
+  const std::size_t zeros = std::min(terminator_, room - length);
   if (length) std::memcpy(buffer, data_, length);
-  std::memset(static_cast<char *>(buffer) + length, 0,
-              std::min(terminator_, room - length));
+  if (zeros) std::memset(static_cast<char *>(buffer) + length, 0, zeros);
 }
 
 char *EdgeResult::copy() const {

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "zevoci/connection.h"
 #include "zevoci/errors.h"
 
@@ -34,8 +36,16 @@ class Pending {
 
 sword setText(OCISession *session, const OraText *text, ub4 length, ub4 attribute,
               OCIError *errhp) {
-  return OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(text), length,
-                    attribute, errhp);
+  const sword status = OCIAttrSet(session, OCI_HTYPE_SESSION, const_cast<OraText *>(text),
+                                  length, attribute, errhp);
+  // A text that cannot be converted is recorded on the environment, whose records go when
+  // the logon is undone.
+  OCIError *environments = zev::parentEnv(session)->errh;
+  if (status != OCI_SUCCESS && environments->records) {
+    ClearErrorHandle(errhp);
+    std::swap(errhp->records, environments->records);
+  }
+  return status;
 }
 
 struct Credentials {

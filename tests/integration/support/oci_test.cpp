@@ -205,7 +205,12 @@ WireLog OciTest::wireOf(const std::function<void()> &work) {
   const std::size_t before = readFile(tracePath_).size();
   work();
   std::fflush(nullptr);
-  return parseWireLog(std::string_view(readFile(tracePath_)).substr(before));
+  WireLog log = parseWireLog(std::string_view(readFile(tracePath_)).substr(before));
+  // The server is spoken to in the program's encoding of 8 bits, in UTF-8 otherwise.
+  if (!isUtf16()) {
+    for (std::string &sql : log.sql) sql = decoded(sql);
+  }
+  return log;
 }
 
 }  // namespace zev::test

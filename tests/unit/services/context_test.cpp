@@ -114,5 +114,26 @@ TEST_F(ContextValues, WrongHandlesRecordNothing) {
   EXPECT_EQ(codesOf(err()), Codes{1403});
 }
 
+TEST(ContextValuesUtf16, KeysThatBeginAlikeAreTwo) {
+  Environment env(OCI_UTF16);
+  int values[3] = {};
+  const std::string keys[] = {utf16("ab"), utf16("ac"), utf16("a")};
+  const auto key = [&](int i) {
+    return reinterpret_cast<ub1 *>(const_cast<char *>(keys[i].data()));
+  };
+  const auto size = [&](int i) { return static_cast<ub1>(keys[i].size()); };
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(OCIContextSetValue(env.get(), env.errhp(), OCI_DURATION_PROCESS, key(i),
+                                 size(i), &values[i]),
+              OCI_SUCCESS);
+  }
+  for (int i = 0; i < 3; ++i) {
+    void *found = nullptr;
+    EXPECT_EQ(OCIContextGetValue(env.get(), env.errhp(), key(i), size(i), &found),
+              OCI_SUCCESS);
+    EXPECT_EQ(found, &values[i]);
+  }
+}
+
 }  // namespace
 }  // namespace zev::test

@@ -154,5 +154,27 @@ TEST_F(Strings, NeedAnEnvironmentAndAnErrorHandle) {
   EXPECT_EQ(OCIStringSize(nullptr, string_), static_cast<ub4>(-2));
 }
 
+TEST(StringsUtf16, EndInAUnitOfZero) {
+  Environment env(OCI_OBJECT | OCI_UTF16);
+  OCIString *string = nullptr, *copy = nullptr;
+  const char16_t text[] = u"a\x0100Ж\xD83D\xDE00";
+  const auto *bytes = reinterpret_cast<const OraText *>(text);
+  EXPECT_EQ(OCIStringAssignText(env.get(), env.errhp(), bytes, 9, &string), OCI_ERROR)
+      << "the text is longer";
+  ASSERT_EQ(OCIStringAssignText(env.get(), env.errhp(), bytes, 10, &string), OCI_SUCCESS);
+  ASSERT_EQ(OCIStringAssign(env.get(), env.errhp(), string, &copy), OCI_SUCCESS);
+  for (OCIString *each : {string, copy}) {
+    ub4 allocated = 0;
+    EXPECT_EQ(OCIStringSize(env.get(), each), 10u);
+    EXPECT_EQ(OCIStringAllocSize(env.get(), env.errhp(), each, &allocated), OCI_SUCCESS);
+    EXPECT_EQ(allocated, 10u);
+    EXPECT_EQ(std::memcmp(OCIStringPtr(env.get(), each), text, sizeof text), 0);
+  }
+  ASSERT_EQ(OCIStringResize(env.get(), env.errhp(), 4, &copy), OCI_SUCCESS);
+  EXPECT_EQ(std::memcmp(OCIStringPtr(env.get(), copy), u"\0\0", 6), 0);
+  OCIStringResize(env.get(), env.errhp(), 0, &string);
+  OCIStringResize(env.get(), env.errhp(), 0, &copy);
+}
+
 }  // namespace
 }  // namespace zev::test
