@@ -1,6 +1,9 @@
 #include "services/file.h"
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -274,6 +277,83 @@ TEST_F(Files, AFailedSeekShowsOnlyWithAnOffsetOf0) {
   EXPECT_EQ(
       OCIFileSeek(env(), err(), &none, OCI_FILE_SEEK_BEGINNING, 1, OCI_FILE_FORWARD),
       OCI_SUCCESS);
+}
+
+TEST_F(Files, OffsetsGoBeyondThirtyTwoBits) {
+  constexpr ubig_ora kFar = ubig_ora{5} << 30;
+  ASSERT_EQ(open("f", OCI_FILE_READ_WRITE, OCI_FILE_CREATE), OCI_SUCCESS);
+  ASSERT_EQ(seek(OCI_FILE_SEEK_BEGINNING, kFar, OCI_FILE_FORWARD), OCI_SUCCESS);
+  write("far away");  // which leaves a hole before it
+  std::string path = folder_.path(), name = "f";
+  ubig_ora length = 0;
+  EXPECT_EQ(OCIFileGetLength(env(), err(), mutableText(name), mutableText(path), &length),
+            OCI_SUCCESS);
+  EXPECT_EQ(length, kFar + 8);
+  ASSERT_EQ(seek(OCI_FILE_SEEK_CURRENT, kFar + 8, OCI_FILE_BACKWARD), OCI_SUCCESS);
+  EXPECT_EQ(read(2), std::string(2, '\0'));
+  ASSERT_EQ(seek(OCI_FILE_SEEK_CURRENT, kFar, OCI_FILE_FORWARD), OCI_SUCCESS);
+  EXPECT_EQ(read(100), "r away");
+  ASSERT_EQ(seek(OCI_FILE_SEEK_END, 4, OCI_FILE_BACKWARD), OCI_SUCCESS);
+  EXPECT_EQ(read(100), "away");
+  close();
+}
+
+/// How a child process that worked on a small file system ended.
+enum Ending { kAsExpected = 0, kNotAllowed = 77 };
+
+/// Gives this process a file system of 64 KiB at `path`; false where it may not.
+bool mountSmall(const std::string &path) {
+  const bool own = unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
+  return own && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("none", path.c_str(), "tmpfs", 0, "size=64k") == 0;
+}
+
+/// Writes until the file system is full. What was written must be what the file holds,
+/// and the file must take more when there is room again. The number of the step that
+/// failed, or kAsExpected.
+int fillUp(OCIEnv *env, OCIError *err, std::string path) {
+  std::string name = "f", ballast = "ballast";
+  std::ofstream(path + '/' + ballast) << std::string(20000, 'b');
+  OCIFileObject *file = nullptr;
+  if (OCIFileOpen(env, err, &file, mutableText(name), mutableText(path),
+                  OCI_FILE_READ_WRITE, OCI_FILE_CREATE, OCI_FILE_BIN)) {
+    return 1;
+  }
+  const std::string piece(3000, 'x');
+  ubig_ora total = 0;
+  sword status = OCI_SUCCESS;
+  for (int i = 0; i < 100 && status == OCI_SUCCESS; ++i) {
+    ub4 written = 0;
+    status =
+        OCIFileWrite(env, err, file, const_cast<char *>(piece.data()), 3000, &written);
+    if (status == OCI_SUCCESS) total += written;
+  }
+  if (status != OCI_ERROR || codesOf(err) != Codes{30156}) return 2;
+  ubig_ora length = 0;
+  OCIFileGetLength(env, err, mutableText(name), mutableText(path), &length);
+  if (length != total || total < 30000) return 3;
+  std::filesystem::remove(path + '/' + ballast);
+  ub4 written = 0;
+  status = OCIFileWrite(env, err, file, const_cast<char *>(piece.data()), 3000, &written);
+  if (status != OCI_SUCCESS || written != 3000) return 4;
+  return OCIFileClose(env, err, file) == OCI_SUCCESS ? kAsExpected : 5;
+}
+
+TEST_F(Files, AFullFileSystemIs30156AndLosesNothing) {
+  // A child, since the file system is that of its own names alone and goes with it.
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    _exit(mountSmall(folder_.path()) ? fillUp(env(), err(), folder_.path())
+                                     : kNotAllowed);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == kNotAllowed) {
+    GTEST_SKIP() << "this process may not mount a file system";
+  }
+  EXPECT_EQ(WEXITSTATUS(status), kAsExpected);
 }
 
 TEST_F(Files, ExistenceAndLengthAreThoseOfTheSystem) {
