@@ -98,6 +98,13 @@ TEST_F(BindInfoTest, WrongHandlesAndUnpreparedStatements) {
   EXPECT_EQ(info.status, OCI_NO_DATA);
 }
 
+TEST_F(BindInfoTest, NamesHaveTheirLettersInTheProgramsEncoding) {
+  Statement stmt = statement("SELECT " + dressed(":a"));
+  Info info;
+  ask(stmt, info);
+  EXPECT_EQ(decodedUpToEnd(info.names[0]), dressed("a"));
+}
+
 TEST_F(BindInfoTest, LengthsLeaveTheColonOutAndTheRestReadsZero) {
   Statement stmt = statement("SELECT :a, :bcd");
   Info info;
