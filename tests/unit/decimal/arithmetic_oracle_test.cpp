@@ -1,9 +1,5 @@
 /// The exact operations against GMP: all tiers of multiplication, both of division.
-#include <gmp.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 #include "decimal/divide.h"
 #include "decimal/fast_multiply.h"
@@ -12,47 +8,10 @@
 namespace zevtest {
 namespace {
 
-class Integer {
- public:
-  Integer() { mpz_init(value_); }
-  explicit Integer(const std::string &text) {
-    mpz_init_set_str(value_, text.c_str(), 10);
-  }
-  Integer(const Integer &) = delete;
-  Integer &operator=(const Integer &) = delete;
-  ~Integer() { mpz_clear(value_); }
-
-  operator mpz_ptr() { return value_; }
-  std::string text() const {
-    const std::unique_ptr<char, decltype(&std::free)> text(
-        mpz_get_str(nullptr, 10, value_), std::free);
-    return text.get();
-  }
-
- private:
-  mpz_t value_;
-};
-
 std::string randomInteger(std::mt19937_64 &random, int digits) {
   std::string text = randomDigits(random, digits);
   if (random() % 4 == 0) text.append(random() % 20, '0');
   return random() % 2 ? "-" + text : text;
-}
-
-/// Lengths around the borders of words, limbs, tables and tiers, and any others.
-int someLength(std::mt19937_64 &random) {
-  constexpr int kBorders[] = {1,  2,  7,  8,  9,  15,  16,  17,
-                              40, 94, 95, 96, 97, 128, 160, 161};
-  switch (random() % 8) {
-    case 0:
-      return kBorders[random() % std::size(kBorders)];
-    case 1:
-      return between(random, 1, 400);
-    case 2:
-      return random() % 16 ? between(random, 1, 100) : between(random, 400, 3000);
-    default:
-      return between(random, 1, 80);
-  }
 }
 
 void expectAll(const std::string &textA, const std::string &textB) {
