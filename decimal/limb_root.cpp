@@ -22,12 +22,14 @@ void storeTwo(Limb *limbs, std::uint64_t value) {
   limbs[1] = static_cast<Limb>(value % kLimbBase);
 }
 
+std::uint64_t loadTwo(const Limb *limbs) {
+  return std::uint64_t{limbs[0]} * kLimbBase + limbs[1];
+}
+
 /// The first two limbs of the root from the first four of the square, which become what
 /// remains.
 void startRoot(Limb *root, Limb *rest) {
-  const std::uint64_t upper = std::uint64_t{rest[0]} * kLimbBase + rest[1];
-  const Wide square =
-      Wide{upper} * kTwoLimbs + std::uint64_t{rest[2]} * kLimbBase + rest[3];
+  const Wide square = Wide{loadTwo(rest)} * kTwoLimbs + loadTwo(rest + 2);
   const std::uint64_t first = rootOf(square);
   const auto remainder = static_cast<std::uint64_t>(square - Wide{first} * first);
   storeTwo(root, first);
@@ -52,7 +54,7 @@ std::size_t rootLimbs(Limb *root, std::size_t wanted, Limb *rest, std::size_t sq
     if (i <= 3) inverse = 1e16 / leading(twice);
     Limb *window = rest + i - 1;
     std::uint64_t q = estimate(leading(window) * inverse);
-    const std::uint64_t before = std::uint64_t{window[0]} * kLimbBase + window[1];
+    const std::uint64_t before = loadTwo(window);
     twice[i] = static_cast<Limb>(q);
     std::uint64_t after = before - subtractMultiple(window + 2, q, twice, i + 1);
     if (after > before) {
