@@ -44,7 +44,7 @@ void expectAll(const std::string &textA, const std::string &textB) {
 }
 
 TEST(DecimalArithmetic, AgreesWithGmp) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(5000, 100'000); i > 0; --i) {
     expectAll(randomInteger(random, someLength(random)),
               randomInteger(random, someLength(random)));
@@ -53,7 +53,7 @@ TEST(DecimalArithmetic, AgreesWithGmp) {
 }
 
 TEST(DecimalArithmetic, AgreesWithGmpOnNearlyEqualNumbers) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(1000, 100'000); i > 0; --i) {
     std::string a = randomDigits(random, someLength(random)), b = a;
     b[random() % b.size()] = static_cast<char>('1' + random() % 9);
@@ -65,7 +65,7 @@ TEST(DecimalArithmetic, AgreesWithGmpOnNearlyEqualNumbers) {
 
 /// A quotient digit that is estimated one too high, and those around it.
 TEST(DecimalArithmetic, DividesWhereEstimatesAreClose) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(1000, 100'000); i > 0; --i) {
     const Integer q(randomDigits(random, between(random, 1, 60)));
     const std::string divisor = randomDigits(random, between(random, 9, 60));
@@ -90,7 +90,7 @@ void expectProduct(const std::string &textA, const std::string &textB) {
 }
 
 TEST(DecimalMultiplication, LongNumbersOfAllTiers) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (const int digits : {1000, 2100, 8191, 16000, 16500, 33000, 100'000}) {
     expectProduct(randomDigits(random, digits), randomDigits(random, digits));
     expectProduct(randomDigits(random, digits), randomDigits(random, digits / 3));
@@ -104,7 +104,7 @@ TEST(DecimalMultiplication, LongNumbersOfAllTiers) {
 /// The longest transform with the largest digits, which leaves the least room for its
 /// rounding error, and what is longer still.
 TEST(DecimalMultiplication, LongestTransformAndDivideAndConquer) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (const int digits : {524'288, 524'290, rounds(600'000, 1'500'000)}) {
     const std::string nines(static_cast<std::size_t>(digits), '9');
     expectProduct(nines, nines);
@@ -115,7 +115,7 @@ TEST(DecimalMultiplication, LongestTransformAndDivideAndConquer) {
 }
 
 TEST(DecimalMultiplication, TransformAndSchoolbookAgreeOnShortNumbers) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(2000, 100'000); i > 0; --i) {
     const Number a(randomInteger(random, between(random, 8, 400))),
         b(randomInteger(random, between(random, 8, 400)));
@@ -128,7 +128,7 @@ TEST(DecimalMultiplication, TransformAndSchoolbookAgreeOnShortNumbers) {
 }
 
 TEST(DecimalMultiplication, SquareOfOneNumber) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (const int digits : {1, 40, 200, 5000, 600'000}) {
     const std::string text = randomDigits(random, digits);
     const Number a(text), same(text);
@@ -167,7 +167,7 @@ TEST(DecimalMultiplication, DifferenceOfBytesHasItsSign) {
 
 /// Long division gives the leading digits of a quotient, cut off; so GMP can tell them.
 TEST(DecimalDivision, CutsTheQuotientBelow250Places) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(2000, 100'000); i > 0; --i) {
     const std::string textA = randomDigits(random, someLength(random)),
                       textB = randomDigits(random, someLength(random));
@@ -187,13 +187,13 @@ TEST(DecimalDivision, CutsTheQuotientBelow250Places) {
 }
 
 TEST(DecimalDivision, LongOperands) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (const auto &[n, m] : {std::pair{100'000, 50'000}, {100'000, 12}, {20'000, 19'990}})
     expectAll(randomDigits(random, n), randomDigits(random, m));
 }
 
 TEST(DecimalDivision, ManyPlaces) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (const int places : {250, 1000, rounds(5000, 100'000)}) {
     const std::string textA = randomDigits(random, places),
                       textB = randomDigits(random, 50);

@@ -63,19 +63,6 @@ double unitsOff(M_APM result, mpfr_ptr exact, int places) {
   return std::abs(mpfr_get_d(value, MPFR_RNDA));
 }
 
-std::mt19937_64 randomGenerator() {
-  const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run =
-      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-  return std::mt19937_64(run ^ std::hash<std::string>{}(name));
-}
-
-int rounds(int shortForm, int longForm) {
-  return std::getenv("ZEVOCI_TEST_LONG") ? longForm : shortForm;
-}
-
 int between(std::mt19937_64 &random, int low, int high) {
   return std::uniform_int_distribution<int>(low, high)(random);
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "decimal/m_apm.h"
+#include "tests/support/random_inputs.h"
 
 namespace zevtest {
 
@@ -73,12 +74,6 @@ class Integer {
 /// How far a result lies from the true value, in units of the digit at `places` of the
 /// latter.
 double unitsOff(M_APM result, mpfr_ptr exact, int places);
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-std::mt19937_64 randomGenerator();
-
-/// One count for every day and one for the long form, which ZEVOCI_TEST_LONG asks for.
-int rounds(int shortForm, int longForm);
 
 /// `count` random digits, of which the first and the last are not 0. Runs of 0 and of 9
 /// are frequent.

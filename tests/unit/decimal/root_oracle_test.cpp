@@ -37,7 +37,7 @@ int somePlaces(std::mt19937_64 &random) {
 }
 
 TEST(DecimalSquareRoot, IsRoundedRight) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(3000, 100'000); i > 0; --i) {
     expectRoot(randomDigits(random, someLength(random)), between(random, -100, 100),
                somePlaces(random));
@@ -47,7 +47,7 @@ TEST(DecimalSquareRoot, IsRoundedRight) {
 
 /// Of squares, and of the integers beside them.
 TEST(DecimalSquareRoot, IsRoundedRightNearSquares) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(3000, 100'000); i > 0; --i) {
     Integer root(randomDigits(random, between(random, 1, 90)));
     Integer square;
@@ -64,7 +64,7 @@ TEST(DecimalSquareRoot, IsRoundedRightNearSquares) {
 
 /// A root of one digit more than are wanted, that digit a 5, and its neighbours.
 TEST(DecimalSquareRoot, IsRoundedRightNearTies) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(3000, 100'000); i > 0; --i) {
     const std::string digits = randomDigits(random, between(random, 1, 90)) + "5";
     Integer root(digits);
