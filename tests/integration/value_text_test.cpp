@@ -5,12 +5,13 @@
 #include <ociap.h>
 #include <orl.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "tests/support/random_inputs.h"
 
 namespace zev::test {
 namespace {
@@ -247,12 +248,6 @@ class Program {
 
 class ValueTextTest : public testing::Test {
  protected:
-  ValueTextTest() {
-    const char *given = std::getenv("ZEVOCI_TEST_SEED");
-    const unsigned seed = given ? static_cast<unsigned>(std::stoul(given)) : 20;
-    RecordProperty("seed", static_cast<int>(seed));
-    random_.seed(seed);
-  }
   int between(int least, int most) {
     return std::uniform_int_distribution(least, most)(random_);
   }
@@ -287,7 +282,7 @@ class ValueTextTest : public testing::Test {
 
   static constexpr int kRounds = 2000;
   Program narrow_{OCI_DEFAULT}, wide_{OCI_UTF16};
-  std::mt19937 random_;
+  std::mt19937_64 random_ = zevtest::generator();
   int good_ = 0;
 };
 
