@@ -152,10 +152,9 @@ class CallCombinationsTest : public OciTest {
       return;
     }
     OCIBind *handle = nullptr;
-    ASSERT_EQ(OCIBindByName(call.handle(), &handle, errhp(),
-                            reinterpret_cast<const OraText *>(name.c_str()), -1, nullptr,
-                            sizeof(sb4), SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr,
-                            OCI_DATA_AT_EXEC),
+    ASSERT_EQ(OCIBindByName(call.handle(), &handle, errhp(), Given(name).text(), -1,
+                            nullptr, sizeof(sb4), SQLT_INT, nullptr, nullptr, nullptr, 0,
+                            nullptr, OCI_DATA_AT_EXEC),
               OCI_SUCCESS);
     ASSERT_EQ(OCIBindDynamic(handle, errhp(), &argument, &Argument::give, &argument,
                              gives(mode) ? &Argument::take : nullptr),
@@ -197,7 +196,7 @@ class CallCombinationsTest : public OciTest {
     EXPECT_EQ(got, answer) << routine.create(name);
   }
 
-  std::string schema_ = "call_combinations_" + std::to_string(getpid());
+  std::string schema_ = dressed("call_combinations_" + std::to_string(getpid()));
 
  private:
   std::unique_ptr<PGconn, CloseConnection> plain_;

@@ -100,15 +100,11 @@ TEST_F(CompatTest, BoundStringsReachColumnsAndRawArrivesAsBytes) {
   const Connection conn = connect();
   ASSERT_EQ(run(conn.get(), script()), "");
   run(conn.get(), "CREATE TABLE t (i int, d date, r raw)");
-  const std::string target = server_.host + ":" + server_.port + "/" + database_;
-  const std::string &user = server_.user, &password = server_.password;
-  const auto text = [](const std::string &s) {
-    return reinterpret_cast<const OraText *>(s.c_str());
-  };
+  const Given target(server_.host + ":" + server_.port + "/" + database_),
+      user(server_.user), password(server_.password);
   OCISvcCtx *other = nullptr;
-  ASSERT_EQ(OCILogon(env(), errhp(), &other, text(user), static_cast<ub4>(user.size()),
-                     text(password), static_cast<ub4>(password.size()), text(target),
-                     static_cast<ub4>(target.size())),
+  ASSERT_EQ(OCILogon(env(), errhp(), &other, user.text(), user.size(), password.text(),
+                     password.size(), target.text(), target.size()),
             OCI_SUCCESS)
       << errorText();
   {
@@ -122,15 +118,16 @@ TEST_F(CompatTest, BoundStringsReachColumnsAndRawArrivesAsBytes) {
     select.prepare("SELECT i, d::text, r FROM t");
     sb4 number = 0;
     TextBuffer<> date;
-    TextBuffer<8> bytes;
+    char raw[8] = {};
+    ub2 length = 0;
     select.define(1, number);
     select.define(2, date);
-    select.define(3, bytes, SQLT_BIN);
+    select.define(3, raw, sizeof raw, SQLT_BIN, nullptr, &length);
     ASSERT_EQ(select.execute(0), OCI_SUCCESS) << errorText();
     ASSERT_EQ(select.fetch(), OCI_SUCCESS) << errorText();
     EXPECT_EQ(number, 42);
     EXPECT_EQ(date.text(), "2024-02-29");
-    EXPECT_EQ(bytes.text(), std::string("\x01\x02\xff", 3));
+    EXPECT_EQ(std::string(raw, length), std::string("\x01\x02\xff", 3));
   }
   EXPECT_EQ(OCILogoff(other, errhp()), OCI_SUCCESS);
 }
