@@ -273,7 +273,8 @@ class ValueTextTest : public testing::Test {
   /// Asks both programs the same; they must not differ.
   template <class Ask>
   Answer agree(const Ask &ask) {
-    const Answer plain = ask(narrow_), wide = ask(wide_);
+    Answer plain = ask(narrow_);
+    const Answer wide = ask(wide_);
     EXPECT_EQ(plain, wide);
     return plain;
   }

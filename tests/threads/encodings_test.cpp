@@ -37,7 +37,8 @@ constexpr Encoding kEncodings[] = {
 
 std::string converted(const char *to, const char *from, const std::string &text) {
   const iconv_t conversion = iconv_open(to, from);
-  if (conversion == reinterpret_cast<iconv_t>(-1)) throw std::runtime_error(to);
+  const auto none = reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr)
+  if (conversion == none) throw std::runtime_error(to);
   std::string out(4 * text.size(), '\0');
   char *in = const_cast<char *>(text.data()), *at = out.data();
   std::size_t left = text.size(), room = out.size();

@@ -26,7 +26,8 @@ const ProgramText &pick() {
 
 std::string convert(const char *to, const char *from, std::string_view text) {
   const iconv_t conversion = iconv_open(to, from);
-  if (conversion == reinterpret_cast<iconv_t>(-1)) throw std::runtime_error("iconv_open");
+  const auto none = reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr)
+  if (conversion == none) throw std::runtime_error("iconv_open");
   std::string out(4 * text.size(), '\0');
   char *in = const_cast<char *>(text.data()), *at = out.data();
   std::size_t left = text.size(), room = out.size();
