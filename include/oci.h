@@ -114,6 +114,11 @@ typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4
 typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
                                  sword returnCode, sb4 *errnop, va_list arglist);
 
+/* A package's own start on a new environment: registers its callbacks there. The other
+   arguments are 0. */
+typedef sword (*OCIEnvCallbackType)(OCIEnv *env, ub4 mode, size_t xtramem_sz,
+                                    void *usrmemp, OCIUcb *ucbDesc);
+
 /* clang-format off */
 /* Return codes. */
 #define OCI_CONTINUE                               (-24200)

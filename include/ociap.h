@@ -1050,6 +1050,28 @@ sword OCIStringResize(OCIEnv *env, OCIError *err, ub4 new_size, OCIString **str)
 /* The length of the text. */
 ub4 OCIStringSize(OCIEnv *env, const OCIString *vs);
 
+/* ---- User callbacks ----
+
+   Functions that run before, instead of or after the calls of an environment. The packages
+   (shared objects) that ORA_OCI_UCBPKG names are loaded when an environment is made: of
+   PACKAGE.so the function PACKAGEInit is called, which calls OCISharedLibInit. */
+
+/* Registers callback for the function with code fcode (OCI_FNCODE_*) and the stage when
+   (OCI_UCBTYPE_*) of the environment hndlp. Several run in the order of registration;
+   nothing takes one back. OCI_ERROR, with nothing recorded, for a code that is none. */
+sword OCIUserCallbackRegister(void *hndlp, ub4 type, void *ehndlp,
+                              OCIUserCallback callback, void *ctxp, ub4 fcode, ub4 when,
+                              OCIUcb *ucbDesc);
+
+/* A registration cannot be read back: always OCI_ERROR. */
+sword OCIUserCallbackGet(void *hndlp, ub4 type, void *ehndlp, ub4 fcode, ub4 when,
+                         OCIUserCallback *callbackp, void **ctxpp, OCIUcb *ucbDesc);
+
+/* Calls envCallback(metaCtx, 0, 0, 0, 0), metaCtx being the environment, and returns its
+   result. The other arguments are not looked at. */
+sword OCISharedLibInit(void *metaCtx, void *libCtx, ub4 argfmt, sword argc, void **argv,
+                       OCIEnvCallbackType envCallback);
+
 #ifdef __cplusplus
 }
 #endif
