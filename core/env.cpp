@@ -120,7 +120,6 @@ void Free_OCIEnv(OCIEnv *env) {
   zev::freeListAndMembers(env->spareList);
   zev::freeListAndMembers(env->contextValues);
   FreeMemFromEnvCache(env);
-  zev::freeUserCallbacks(env);
   if (env->utf16) {
     iconv_close(env->toUtf8);
     iconv_close(env->fromUtf8);

@@ -1,10 +1,10 @@
 #include "zevoci/user_callbacks.h"
 
+#include <algorithm>
+#include <bit>
 #include <cerrno>
-#include <cstdlib>
 #include <iterator>
 
-#include "core/owned.h"
 #include "zevoci/describers.h"
 #include "zevoci/trace.h"
 
@@ -40,28 +40,36 @@ UcbList **tableOf(OCIEnv *env, ub4 when) {
   }
 }
 
-/// Appends a registration to `list`, which is made by its first one; false when memory
-/// runs out, and nothing has changed then.
-bool append(UcbList *&list, const UcbEntry &content) {
-  if (!list) list = static_cast<UcbList *>(std::calloc(1, sizeof(UcbList)));
-  if (!list) return false;
-  zev::Malloced<UcbEntry> entry(static_cast<UcbEntry *>(std::malloc(sizeof(UcbEntry))));
-  if (!entry) return false;
-  const auto room = sizeof(UcbEntry *) * (static_cast<std::size_t>(list->count) + 1);
-  auto *grown = static_cast<UcbEntry **>(std::realloc(list->callbacks, room));
+/// A block that goes with the environment; null when memory runs out.
+template <class T>
+T *allocate(OCIEnv *env, std::size_t count = 1) {
+  return static_cast<T *>(AllocateMemFromEnvCache(env, count * sizeof(T)));
+}
+
+/// Makes room for one more registration; room doubles whenever it is full.
+bool grow(OCIEnv *env, UcbList &list) {
+  const auto count = static_cast<std::size_t>(list.count);
+  if (count && !std::has_single_bit(count)) return true;
+  auto **grown = allocate<UcbEntry *>(env, count ? 2 * count : 1);
   if (!grown) return false;
-  *entry = content;
-  list->callbacks = grown;
-  grown[list->count++] = entry.release();
+  std::copy_n(list.callbacks, count, grown);
+  list.callbacks = grown;
   return true;
 }
 
-void freeList(UcbList *&list) {
-  if (!list) return;
-  for (sb4 i = 0; i < list->count; ++i) std::free(list->callbacks[i]);
-  std::free(list->callbacks);
-  std::free(list);
-  list = nullptr;
+/// Appends a registration to `list`, which is made by its first one; false when memory
+/// runs out, and the registrations are as they were then.
+bool append(OCIEnv *env, UcbList *&list, const UcbEntry &content) {
+  if (!list) {
+    list = allocate<UcbList>(env);
+    if (!list) return false;
+    *list = {};
+  }
+  auto *entry = allocate<UcbEntry>(env);
+  if (!entry || !grow(env, *list)) return false;
+  *entry = content;
+  list->callbacks[list->count++] = entry;
+  return true;
 }
 
 void traceRegistration(const UcbEntry &entry, ub4 fcode, ub4 when) {
@@ -96,12 +104,6 @@ void runStage(const UcbList *list, sword *status, std::va_list arguments, bool r
 }
 
 }  // namespace
-
-void zev::freeUserCallbacks(OCIEnv *env) {
-  for (auto *table : {&env->entryUcbs, &env->replaceUcbs, &env->exitUcbs}) {
-    for (UcbList *&list : *table) freeList(list);
-  }
-}
 
 extern "C" {
 
@@ -174,7 +176,7 @@ ZEV_API sword OCIUserCallbackRegister(void *hndlp, ub4 type, void *ehndlp,
     return traceReturn(OCI_ERROR);
   }
   // A code of no function is an error, yet its registration stands while it has a slot.
-  if (fcode >= kUcbSlots || !append(table[fcode], entry)) status = OCI_ERROR;
+  if (fcode >= kUcbSlots || !append(env, table[fcode], entry)) status = OCI_ERROR;
   return traceReturn(status);
 }
 

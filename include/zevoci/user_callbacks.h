@@ -16,7 +16,8 @@ struct UcbEntry {
   OCIUcb *ucbDesc;
 };
 
-/// The registrations of one function code and stage, in order.
+/// The registrations of one function code and stage, in order. They live as long as the
+/// environment.
 struct UcbList {
   UcbEntry **callbacks;
   sb4 count;
@@ -44,10 +45,3 @@ ZEV_HELPER sword o2pLoadUCBs(OCIEnv *env);
 /// Names of the stages by number; null at 0.
 extern ZEV_HELPER const char *const OCICallbackTypes[4];
 }
-
-namespace zev {
-
-/// Frees all registrations of an environment that is about to go.
-void freeUserCallbacks(OCIEnv *env);
-
-}  // namespace zev
