@@ -19,8 +19,7 @@ class Text {
   explicit Text(std::string_view content) { *this += content; }
 
   Text &operator+=(std::string_view more) {
-    std::memcpy(data_ + length_, more.data(), more.size());
-    length_ += more.size();
+    length_ += more.copy(data_ + length_, more.size());
     return *this;
   }
   const char *data() const { return data_; }

@@ -1513,6 +1513,14 @@ FUNCTION(sword, OCIStringAssignText, (OCIEnv *, OCIError *, const OraText *, ub4
 FUNCTION(OraText *, OCIStringPtr, (OCIEnv *, const OCIString *));
 FUNCTION(sword, OCIStringResize, (OCIEnv *, OCIError *, ub4, OCIString **));
 FUNCTION(ub4, OCIStringSize, (OCIEnv *, const OCIString *));
+FUNCTION(sword, OCIUserCallbackRegister,
+         (void *, ub4, void *, OCIUserCallback, void *, ub4, ub4, OCIUcb *));
+FUNCTION(sword, OCIUserCallbackGet,
+         (void *, ub4, void *, ub4, ub4, OCIUserCallback *, void **, OCIUcb *));
+FUNCTION(sword, OCISharedLibInit,
+         (void *, void *, ub4, sb4, void **, OCIEnvCallbackType));
+FUNCTION(OCIEnv *, xaoEnv, (OraText *));
+FUNCTION(OCISvcCtx *, xaoSvcCtx, (OraText *));
 FUNCTION(sword, OCITerminate, (ub4));
 FUNCTION(sword, OCIThreadClose, (void *, OCIError *, OCIThreadHandle *));
 FUNCTION(sword, OCIThreadCreate, (void *, OCIError *, void (*)(void *), void *, OCIThreadId
@@ -1597,6 +1605,7 @@ CALLBACK(sb4, OCICallbackFailover,
          (void *, void *, void *, ub4, ub4));
 CALLBACK(sword, OCIUserCallback,
          (void *, void *, ub4, ub4, ub4, sword, sb4 *, va_list));
+CALLBACK(sword, OCIEnvCallbackType, (OCIEnv *, ub4, size_t, void *, OCIUcb *));
 CALLBACK(void, OCIThreadKeyDestFunc,
          (void *));
 /* clang-format on */

@@ -15,11 +15,11 @@ static OCIEnv *env;
 static OCIError *err;
 
 static void check(sword status, const char *what) {
-  OraText text[512] = "";
+  OraText message[512] = "";
   sb4 code = 0;
-  if (status == OCI_SUCCESS) return;
-  OCIErrorGet(err, 1, NULL, &code, text, sizeof text, OCI_HTYPE_ERROR);
-  fprintf(stderr, "%s: %d %s\n", what, (int)status, (const char *)text);
+  if (status == OCI_SUCCESS || status == OCI_SUCCESS_WITH_INFO) return;
+  OCIErrorGet(err, 1, NULL, &code, message, sizeof message, OCI_HTYPE_ERROR);
+  fprintf(stderr, "%s: %d %s\n", what, (int)status, (const char *)message);
   exit(1);
 }
 

@@ -20,13 +20,13 @@ namespace zev::test {
 namespace {
 
 /// The settings of one run, by the heading of its text.
-struct Run {
+struct Settings {
   const char *heading;
   const char *mask;
   const char *level;
 };
 
-constexpr Run kRuns[] = {
+constexpr Settings kRuns[] = {
     {"mask 0x1", "0x1", "-1"},       {"mask 0x2", "0x2", "-1"},
     {"mask 0x4", "0x4", "-1"},       {"mask 0x8", "0x8", "-1"},
     {"mask 0x10", "0x10", "-1"},     {"mask 0x20", "0x20", "-1"},
@@ -48,22 +48,22 @@ std::string replaced(std::string text, const std::string &from, const std::strin
 }
 
 /// Standard error of the program, with what differs from run to run masked.
-std::string traceOf(const Run &run) {
+std::string traceOf(const Settings &settings) {
   const ServerAddress &at = testServer();
   const std::string command =
-      std::string("OCI_DEBUG_LOG=- OCI_DEBUG_MASK=") + run.mask +
-      " OCI_DEBUG_LEVEL=" + run.level + " '" ZEVOCI_TRACE_PROGRAM "' '" + at.user +
+      std::string("OCI_DEBUG_LOG=- OCI_DEBUG_MASK=") + settings.mask +
+      " OCI_DEBUG_LEVEL=" + settings.level + " '" ZEVOCI_TRACE_PROGRAM "' '" + at.user +
       "' '" + at.password + "' '" + at.host + ':' + at.port + '/' + at.db + "' 2>&1";
   const std::unique_ptr<FILE, int (*)(FILE *)> out(popen(command.c_str(), "r"), pclose);
   std::string text;
   for (int c; (c = std::fgetc(out.get())) != EOF;) text += static_cast<char>(c);
-  for (const auto &[value, name] : {std::pair{at.host, "host"},
-                                    {at.port, "port"},
-                                    {at.db, "database"},
-                                    {at.user, "user"}}) {
-    text = replaced(text, '[' + value + ']', std::string("[<") + name + ">]");
-  }
-  return maskAddresses(maskTimes(text));
+  const std::pair<std::string, const char *> masked[] = {{at.host, "[<host>]"},
+                                                         {at.port, "[<port>]"},
+                                                         {at.db, "[<database>]"},
+                                                         {at.user, "[<user>]"}};
+  for (const auto &[value, name] : masked) text = replaced(text, '[' + value + ']', name);
+  text = maskAddresses(maskTimes(text));
+  return text.empty() || text.ends_with('\n') ? text : text + '\n';
 }
 
 /// Sections "== heading ==" of the stored text.
@@ -82,7 +82,7 @@ std::map<std::string, std::string> storedTexts() {
   return sections;
 }
 
-class TraceText : public testing::TestWithParam<Run> {};
+class TraceText : public testing::TestWithParam<Settings> {};
 
 TEST_P(TraceText, IsTheStoredOne) {
   const auto stored = storedTexts();
@@ -90,10 +90,9 @@ TEST_P(TraceText, IsTheStoredOne) {
   EXPECT_EQ(traceOf(GetParam()), stored.at(GetParam().heading));
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, TraceText, testing::ValuesIn(kRuns),
-                         [](const auto &p) {
-                           return replaced(p.param.heading, " ", "_");
-                         });
+INSTANTIATE_TEST_SUITE_P(Each, TraceText, testing::ValuesIn(kRuns), [](const auto &p) {
+  return replaced(p.param.heading, " ", "_");
+});
 
 TEST(StoredTraces, AreWrittenAnewOnRequest) {
   if (!std::getenv("ZEVOCI_WRITE_TRACES")) {
@@ -101,7 +100,8 @@ TEST(StoredTraces, AreWrittenAnewOnRequest) {
     return;
   }
   std::ofstream file(ZEVOCI_TRACE_TEXT);
-  for (const Run &run : kRuns) file << "== " << run.heading << " ==\n" << traceOf(run);
+  for (const Settings &settings : kRuns)
+    file << "== " << settings.heading << " ==\n" << traceOf(settings);
 }
 
 /// Without a log neither the mask nor the level writes anything.

@@ -39,6 +39,7 @@ class Caller {
   }
 
   bool areArguments(std::va_list list) const {
+    if (!compare_) return false;
     ArgumentList shared;
     va_copy(shared.list, list);
     const bool same = compare_(shared);
@@ -50,20 +51,36 @@ class Caller {
   std::function<bool(ArgumentList &)> compare_;
 };
 
-/// One registered stage; it is called with the arguments of `caller`.
+/// A registered stage. It outlives the environment, and is silent while it has no caller.
 struct Stage {
   char name;
   ub4 when;
   const Caller *caller = nullptr;
   std::string *log = nullptr;
 };
+Stage stages[] = {
+    {'E', OCI_UCBTYPE_ENTRY}, {'R', OCI_UCBTYPE_REPLACE}, {'X', OCI_UCBTYPE_EXIT}};
 
 sword observe(void *ctxp, void *, ub4, ub4, ub4, sword, sb4 *, va_list list) {
   const auto *stage = static_cast<Stage *>(ctxp);
+  if (!stage->caller) return OCI_CONTINUE;
   *stage->log += stage->name;
   EXPECT_TRUE(stage->caller->areArguments(list)) << stage->name;
   return OCI_CONTINUE;
 }
+
+/// All stages report while it lives.
+class Watch {
+ public:
+  Watch(const Caller &caller, std::string &log) {
+    for (Stage &stage : stages) stage.caller = &caller, stage.log = &log;
+  }
+  ~Watch() {
+    for (Stage &stage : stages) stage.caller = nullptr;
+  }
+  Watch(const Watch &) = delete;
+  Watch &operator=(const Watch &) = delete;
+};
 
 /// A framed function by its code. Nested calls of other codes are not watched.
 struct Row {
@@ -86,14 +103,12 @@ TEST_P(CallbackArguments, ArriveInEveryStage) {
   row.setUp(*this);
   Caller caller;
   std::string log;
-  Stage stages[] = {{'E', OCI_UCBTYPE_ENTRY, &caller, &log},
-                    {'R', OCI_UCBTYPE_REPLACE, &caller, &log},
-                    {'X', OCI_UCBTYPE_EXIT, &caller, &log}};
   for (Stage &stage : stages) {
     EXPECT_EQ(OCIUserCallbackRegister(env.get(), OCI_HTYPE_ENV, errhp, observe, &stage,
                                       row.code, stage.when, nullptr),
               row.code <= OCI_FNCODE_LOBARRAYWRITE ? OCI_SUCCESS : OCI_ERROR);
   }
+  const Watch watch(caller, log);
   EXPECT_EQ(row.call(*this, caller), row.status) << firstText(errhp);
   EXPECT_EQ(log, row.stages);
 }
@@ -175,8 +190,8 @@ const Row kRows[] = {
     {"ServerVersion", 51, [](F &f, Caller &c) {
        return c(OCIServerVersion, f.server, f.errhp, f.text, sizeof f.text, OCI_HTYPE_SERVER); }},
     {"AttrSet", 55, [](F &f, Caller &c) {
-       f.text[0] = 1;
-       return c(OCIAttrSet, f.server, OCI_HTYPE_SERVER, at<void>(f), 1, 5000, f.errhp); }},
+       f.text[0] = 2;
+       return c(OCIAttrSet, f.server, OCI_HTYPE_SERVER, at<void>(f), 4, 5001, f.errhp); }},
     {"TransPrepare", 63, [](F &f, Caller &c) { return c(OCITransPrepare, f.svchp, f.errhp, OCI_DEFAULT); },
      [](F &f) { f.transaction();
        PQclear(PQexec(f.server->conn, "rollback prepared '0.told'"));
@@ -191,7 +206,7 @@ const Row kRows[] = {
        return c(OCIBindByName, f.stmt, &f.bound, f.errhp, asText(":a"), 2, &f.number, 4, SQLT_INT, at<void>(f, 2), at<ub2>(f, 4), at<ub2>(f, 6), 0, nullptr, OCI_DEFAULT); }, kPrepared},
     {"LobClose", 82, [](F &f, Caller &c) {
        return c(OCILobClose, f.svchp, f.errhp, static_cast<OCILobLocator *>(f.made)); },
-     [](F &f) { OCIDescriptorAlloc(f.env.get(), &f.made, OCI_DTYPE_LOB, 0, nullptr); f.keepLocator(); }},
+     [](F &f) { f.locator(); }},
     {"StmtPrepare2", 108, [](F &f, Caller &c) {
        return c(OCIStmtPrepare2, f.svchp, at<OCIStmt *>(f), f.errhp, asText(kSelect), 22, asText("key"), 3, OCI_NTV_SYNTAX, OCI_DEFAULT); }},
     {"StmtRelease", 109, [](F &f, Caller &c) {
@@ -239,14 +254,14 @@ TEST_F(FrameFixture, CodesThatNoFunctionRunsStaySilent) {
   for (const Row &row : kRows) run.insert(row.code);
   Caller caller;
   std::string log;
-  Stage stage{'!', 0, &caller, &log};
   for (ub4 code = 0; code < kUcbSlots; ++code) {
     if (run.contains(code)) continue;
-    for (const int when : {OCI_UCBTYPE_ENTRY, OCI_UCBTYPE_REPLACE, OCI_UCBTYPE_EXIT}) {
+    for (Stage &stage : stages) {
       OCIUserCallbackRegister(env.get(), OCI_HTYPE_ENV, errhp, observe, &stage, code,
-                              static_cast<ub4>(when), nullptr);
+                              stage.when, nullptr);
     }
   }
+  const Watch watch(caller, log);
   kExecuted(*this);
   OCIStmtFetch(stmt, errhp, 1, OCI_FETCH_NEXT, OCI_DEFAULT);
   OCIAttrGet(stmt, OCI_HTYPE_STMT, text, nullptr, OCI_ATTR_ROW_COUNT, errhp);

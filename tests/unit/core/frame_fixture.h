@@ -1,7 +1,6 @@
 /// What calls of every framed function need: a connection, a statement and its parts.
 #pragma once
 
-#include "core/owned.h"
 #include "server_fixture.h"
 
 namespace zev::test {
@@ -38,8 +37,12 @@ class FrameFixture : public ServerTest {
   void link(void *handle, ub4 attribute) {
     OCIAttrSet(svchp, OCI_HTYPE_SVCCTX, handle, 0, attribute, errhp);
   }
-  /// The environment does not free a locator: it goes with the fixture.
-  void keepLocator() { locator_.reset(made); }
+  /// A locator, which the environment does not free: it stays reachable here.
+  void locator() {
+    static auto *kept = new std::vector<void *>;
+    OCIDescriptorAlloc(env.get(), &made, OCI_DTYPE_LOB, 0, nullptr);
+    kept->push_back(made);
+  }
   void transaction() { link(env.alloc<OCITrans>(OCI_HTYPE_TRANS), OCI_ATTR_TRANS); }
 
   OCIStmt *stmt = env.alloc<OCIStmt>(OCI_HTYPE_STMT);
@@ -48,9 +51,6 @@ class FrameFixture : public ServerTest {
   int number = 1;
   void *made = nullptr;
   OraText text[200] = {};
-
- private:
-  std::unique_ptr<void, ClosedBy<std::free>> locator_;
 };
 using F = FrameFixture;
 
