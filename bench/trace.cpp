@@ -38,16 +38,16 @@ std::function<double()> round(int count, Site site) {
   };
 }
 
-void byHand(int i) {
+const auto kByHand = [](int i) {
   if (handWrittenLog) std::fprintf(handWrittenLog, "%d\n", i);
-}
+};
 
 template <class Site>
 Case closed(const char *name, Site site) {
   return {.name = name,
           .unit = "ns/site",
           .factor = kNanoseconds / kSites,
-          .libpq = round(kSites, byHand),
+          .libpq = round(kSites, kByHand),
           .ours = round(kSites, site),
           .limit = kMostForASite};
 }

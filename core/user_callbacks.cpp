@@ -43,6 +43,7 @@ UcbList **tableOf(OCIEnv *env, ub4 when) {
 /// A block that goes with the environment; null when memory runs out.
 template <class T>
 T *allocate(OCIEnv *env, std::size_t count = 1) {
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): entries stand as pointers in a list
   return static_cast<T *>(AllocateMemFromEnvCache(env, count * sizeof(T)));
 }
 

@@ -36,7 +36,7 @@ class XaTest : public OciTest {
     OCIHandleFree(xaoEnv(nullptr), OCI_HTYPE_ENV);  // reads the variables
     testing::internal::CaptureStderr();
     open(openString);
-    const std::string trace = testing::internal::GetCapturedStderr();
+    std::string trace = testing::internal::GetCapturedStderr();
     setVariable("OCI_DEBUG_MASK", "0");
     OCIHandleFree(xaoEnv(nullptr), OCI_HTYPE_ENV);
     return trace;

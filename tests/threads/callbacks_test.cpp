@@ -48,6 +48,7 @@ TEST(Callbacks, OfSeparateEnvironmentsDoNotMeetWhileAllAreTraced) {
   setenv("OCI_DEBUG_LEVEL", "4", 1);
   std::vector<int> seen(kThreads);
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int &one : seen) threads.emplace_back([&one] { one = work(); });
   for (std::thread &thread : threads) thread.join();
   for (const int one : seen) EXPECT_EQ(one, kRounds * kCalls * 2);

@@ -57,11 +57,12 @@ std::string traceOf(const Settings &settings) {
   const std::unique_ptr<FILE, int (*)(FILE *)> out(popen(command.c_str(), "r"), pclose);
   std::string text;
   for (int c; (c = std::fgetc(out.get())) != EOF;) text += static_cast<char>(c);
-  const std::pair<std::string, const char *> masked[] = {{at.host, "[<host>]"},
-                                                         {at.port, "[<port>]"},
-                                                         {at.db, "[<database>]"},
-                                                         {at.user, "[<user>]"}};
-  for (const auto &[value, name] : masked) text = replaced(text, '[' + value + ']', name);
+  const std::pair<std::string, const char *> masked[] = {
+      {'[' + at.host + ']', "[<host>]"},
+      {'[' + at.port + ']', "[<port>]"},
+      {'[' + at.db + ']', "[<database>]"},
+      {'[' + at.user + ']', "[<user>]"}};
+  for (const auto &[value, name] : masked) text = replaced(text, value, name);
   text = maskAddresses(maskTimes(text));
   return text.empty() || text.ends_with('\n') ? text : text + '\n';
 }

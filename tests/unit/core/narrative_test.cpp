@@ -62,7 +62,6 @@ const Tale kTales[] = {
     {"DateAddDays", "OCIDateAddDays", [](N &n) { return OCIDateAddDays(n.errhp, &n.date, 1, &n.date); }},
     {"DateAddMonths", "OCIDateAddMonths", [](N &n) { return OCIDateAddMonths(n.errhp, &n.date, 1, &n.date); }},
     {"DateAssign", "OCIDateAssign", [](N &n) { return OCIDateAssign(n.errhp, &n.date, &n.date); }},
-    {"DateCheck", "OCIDateCheck", [](N &n) { return OCIDateCheck(n.errhp, &n.date, &n.count); }},
     {"DateCompare", "OCIDateCompare", [](N &n) { return OCIDateCompare(n.errhp, &n.date, &n.date, &n.order); }},
     {"DateDaysBetween", "OCIDateDaysBetween", [](N &n) { return OCIDateDaysBetween(n.errhp, &n.date, &n.date, n.parts); }},
     {"DateFromText", nullptr, [](N &n) {
@@ -95,6 +94,14 @@ const Tale kTales[] = {
 
 INSTANTIATE_TEST_SUITE_P(Functions, Narratives, testing::ValuesIn(kTales),
                          [](const auto &p) { return std::string(p.param.name); });
+
+TEST_F(Narrator, ACheckTellsOfItsTwoComparisonsToo) {
+  TraceLog log;
+  OCI2PQ_TRACE_LEVEL = 4;
+  OCIDateCheck(errhp, &date, &count);
+  const std::string compared = std::string("3: OCIDateCompare\n") + kReturning;
+  EXPECT_EQ(log.takeNarrative(), "3: OCIDateCheck\n" + compared + compared + kReturning);
+}
 
 TEST_F(Narrator, AFailureOfADateFunctionTellsNoResult) {
   TraceLog log;

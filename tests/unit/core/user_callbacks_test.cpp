@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include "core_fixture.h"
 #include "trace_log.h"
@@ -52,6 +51,16 @@ class UserCallbacks : public testing::Test {
     return status;
   }
 
+  /// How many stand in the environment's tables.
+  int registrations() const {
+    int count = 0;
+    const OCIEnv *env = env_.get();
+    for (const auto *table : {&env->entryUcbs, &env->replaceUcbs, &env->exitUcbs}) {
+      for (const UcbList *list : *table) count += list ? list->count : 0;
+    }
+    return count;
+  }
+
   Environment env_;
 };
 
@@ -80,8 +89,10 @@ TEST_F(UserCallbacks, RunInTheOrderOfRegistrationWithinAStage) {
     ASSERT_EQ(registerFor(OCI_FNCODE_HANDLEALLOC, when, &contexts[i]), OCI_SUCCESS);
   }
   EXPECT_EQ(allocate(), OCI_SUCCESS);
-  std::vector<std::ptrdiff_t> order;
-  for (const Seen &one : seen) order.push_back(static_cast<int *>(one.ctxp) - contexts);
+  std::vector<std::ptrdiff_t> order(seen.size());
+  std::ranges::transform(seen, order.begin(), [&](const Seen &one) {
+    return static_cast<int *>(one.ctxp) - contexts;
+  });
   EXPECT_EQ(order, (std::vector<std::ptrdiff_t>{2, 5, 8, 1, 4, 7, 0, 3, 6}));
 }
 
@@ -132,15 +143,15 @@ TEST_F(UserCallbacks, CodesWithoutAFunctionKeepTheirEntryWhileTheyHaveASlot) {
     EXPECT_EQ(registerFor(code, OCI_UCBTYPE_EXIT), OCI_ERROR) << code;
     EXPECT_EQ(env_.get()->exitUcbs[code]->count, 1) << code;
   }
-  const OCIEnv before = *env_.get();
+  const int before = registrations();
   for (const ub4 code : {153u, 1000u, 0xFFFFFFFFu}) {
     EXPECT_EQ(registerFor(code, OCI_UCBTYPE_EXIT), OCI_ERROR) << code;
   }
-  EXPECT_EQ(std::memcmp(&before, env_.get(), sizeof before), 0);
+  EXPECT_EQ(registrations(), before);
 }
 
 TEST_F(UserCallbacks, AnUnknownStageOrNoEnvironmentChangesNothing) {
-  const OCIEnv before = *env_.get();
+  const int before = registrations();
   for (const ub4 when : {0u, 4u, 100u}) {
     EXPECT_EQ(registerFor(OCI_FNCODE_HANDLEALLOC, when), OCI_ERROR) << when;
   }
@@ -149,7 +160,7 @@ TEST_F(UserCallbacks, AnUnknownStageOrNoEnvironmentChangesNothing) {
                                       OCI_UCBTYPE_ENTRY, nullptr),
               OCI_INVALID_HANDLE);
   }
-  EXPECT_EQ(std::memcmp(&before, env_.get(), sizeof before), 0);
+  EXPECT_EQ(registrations(), before);
 }
 
 TEST_F(UserCallbacks, ANullCallbackIsPassedOver) {
