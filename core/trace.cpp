@@ -61,17 +61,23 @@ constexpr int kTraceLine = 916;
 /// stands, its low bits, or the bytes at it up to the first zero.
 void printUnexpanded(std::FILE *log, const char *format, const void *list) {
   for (; *format; ++format) {
-    if (format[0] != '%' || !format[1]) {
+    if (*format != '%') {
       std::fputc(*format, log);
       continue;
     }
-    switch (*++format) {
+    format += 1 + std::strspn(format + 1, "-+ #0123456789.*hljzt");
+    switch (*format) {
       case 'p':
         std::fprintf(log, "%p", list);
         break;
       case 's':
         std::fprintf(log, "%.4s", static_cast<const char *>(list));
         break;
+      case '%':
+        std::fputc('%', log);
+        break;
+      case '\0':
+        return;
       default:
         std::fprintf(log, "%d", static_cast<int>(reinterpret_cast<std::uintptr_t>(list)));
     }

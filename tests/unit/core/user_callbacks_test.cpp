@@ -233,6 +233,74 @@ TEST(VariableArguments, ReachOneCallbackAsAList) {
   EXPECT_EQ(number, 7);
 }
 
+/// The three functions that run a stage, on a status that is no call's own.
+class Stages : public testing::Test {
+ protected:
+  /// Answers one after the other; with each, the argument that it found.
+  static sword reply(void *ctxp, void *, ub4, ub4, ub4, sword, sb4 *, va_list list) {
+    static_cast<Stages *>(ctxp)->arguments_.push_back(va_arg(list, int));
+    return static_cast<Stages *>(ctxp)->answers_[static_cast<Stages *>(ctxp)->next_++];
+  }
+  void add(ub4 when, std::initializer_list<sword> answers) {
+    for (const sword one : answers) {
+      answers_.push_back(one);
+      OCIUserCallbackRegister(env_.get(), OCI_HTYPE_ENV, nullptr, reply, this,
+                              OCI_FNCODE_SERVERATTACH, when, nullptr);
+    }
+  }
+  UcbList *entry() { return env_.get()->entryUcbs[OCI_FNCODE_SERVERATTACH]; }
+  UcbList *exit() { return env_.get()->exitUcbs[OCI_FNCODE_SERVERATTACH]; }
+
+  Environment env_;
+  std::vector<sword> answers_;
+  std::vector<int> arguments_;
+  std::size_t next_ = 0;
+  sword status_ = 7;
+};
+
+TEST_F(Stages, WithoutCallbacksLeaveTheStatus) {
+  EXPECT_EQ(PerformEntryUcbs(nullptr, &status_, 1, 2), 7);
+  EXPECT_EQ(PerformReplaceUcbs(env_.get(), &status_, OCI_FNCODE_SERVERATTACH, 1, 2), 7);
+  EXPECT_EQ(PerformExitUcbs(nullptr, &status_, 1, 2), 7);
+  EXPECT_EQ(status_, 7);
+}
+
+TEST_F(Stages, AnEntryThatAnswersZeroMakesTheStatusZero) {
+  add(OCI_UCBTYPE_ENTRY, {0});
+  PerformEntryUcbs(entry(), &status_, 1, 2);
+  EXPECT_EQ(status_, 0);
+}
+
+TEST_F(Stages, AContinueLeavesTheStatusAsItWasBefore) {
+  add(OCI_UCBTYPE_ENTRY, {OCI_CONTINUE, -1});
+  PerformEntryUcbs(entry(), &status_, 1, 2);
+  EXPECT_EQ(status_, 7);
+  EXPECT_EQ(arguments_, (std::vector{1, 1})) << "each entry begins with the first";
+}
+
+TEST_F(Stages, ExitCallbacksReadOnWhereTheFormerOneEnded) {
+  add(OCI_UCBTYPE_EXIT, {3, 4});
+  PerformExitUcbs(exit(), &status_, 1, 2);
+  EXPECT_EQ(status_, 4);
+  EXPECT_EQ(arguments_, (std::vector{1, 2}));
+}
+
+TEST_F(Stages, AReplacementEndsTheRunWithTheExitCallbacks) {
+  add(OCI_UCBTYPE_REPLACE, {OCI_CONTINUE, 3, 99});
+  answers_[2] = 4;  // of the exit callback: the third replacement does not run
+  add(OCI_UCBTYPE_EXIT, {99});
+  EXPECT_EQ(PerformReplaceUcbs(env_.get(), &status_, OCI_FNCODE_SERVERATTACH, 1, 2),
+            0x800);
+  EXPECT_EQ(status_, 4);
+  EXPECT_EQ(next_, 3u);
+}
+
+TEST_F(Stages, ReplacementsThatAllContinueRestoreTheStatus) {
+  add(OCI_UCBTYPE_REPLACE, {OCI_CONTINUE, OCI_CONTINUE});
+  EXPECT_EQ(PerformReplaceUcbs(env_.get(), &status_, OCI_FNCODE_SERVERATTACH, 1, 2), 7);
+  EXPECT_EQ(status_, 7);
+}
+
 /// What a package's callback is given.
 struct Start {
   void *env;
