@@ -238,8 +238,9 @@ class Stages : public testing::Test {
  protected:
   /// Answers one after the other; with each, the argument that it found.
   static sword reply(void *ctxp, void *, ub4, ub4, ub4, sword, sb4 *, va_list list) {
-    static_cast<Stages *>(ctxp)->arguments_.push_back(va_arg(list, int));
-    return static_cast<Stages *>(ctxp)->answers_[static_cast<Stages *>(ctxp)->next_++];
+    auto *self = static_cast<Stages *>(ctxp);
+    self->arguments_.push_back(va_arg(list, int));
+    return self->answers_[self->next_++];
   }
   void add(ub4 when, std::initializer_list<sword> answers) {
     for (const sword one : answers) {
