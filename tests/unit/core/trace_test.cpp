@@ -176,11 +176,11 @@ TEST_F(Trace, ANarrativeShowsNoCallersValues) {
   oci_debug_mask = 0;
   OCI2PQ_TRACE_LEVEL = 3;
   o2pTrace(4, "not seen\n");
-  o2pTrace(3, "100%% of %s, %-5d and %p\n", "text", 1, nullptr);
+  o2pTrace(3, "all %% of %s, %-5d and %p\n", "text", 1, nullptr);
   o2pTrace(0, "plain\n");
   o2pTrace(3, "cut %");
   EXPECT_EQ(maskAddresses(written()),
-            "TRACE3-o2pTrace[trace.cpp:916]: 100% of <s>, <d> and <p>\n"
+            "TRACE3-o2pTrace[trace.cpp:916]: all % of <s>, <d> and <p>\n"
             "TRACE0-o2pTrace[trace.cpp:916]: plain\n"
             "TRACE3-o2pTrace[trace.cpp:916]: cut ");
 }
