@@ -25,6 +25,7 @@ typedef int64_t sb8;
 typedef uint64_t oraub8;
 typedef int64_t orasb8;
 typedef uint64_t ubig_ora;
+typedef int64_t sbig_ora;
 
 /* Machine words: what functions return, and the argument type of small counts. */
 typedef int sword;

@@ -2,10 +2,11 @@
 # Compiles each public header alone, in every language that programs use it from, and the facts of
 # the published interface against them.
 #
-# usage: headers.sh SOURCE_DIR CC CXX
+# usage: headers.sh SOURCE_DIR BUILD_DIR CC CXX
 set -euo pipefail
-here=$1/tests/install include=$1/include cc=$2 cxx=$3
-warnings=(-pedantic -Wall -Wextra -Wshadow -Werror -fsyntax-only "-I$include")
+here=$1/tests/install cc=$3 cxx=$4
+include=("$1/include" "$2/include")
+warnings=(-pedantic -Wall -Wextra -Wshadow -Werror -fsyntax-only "${include[@]/#/-I}")
 
 failed=0
 alone() {  # HEADER COMPILER...: one translation unit that holds the header, twice
@@ -15,7 +16,7 @@ alone() {  # HEADER COMPILER...: one translation unit that holds the header, twi
     "$@" "${warnings[@]}" - || { echo "FAILED: $header with $*" >&2; failed=1; }
 }
 
-for path in "$include"/*.h; do
+for path in "${include[0]}"/*.h "${include[1]}"/*.h; do
   header=$(basename "$path")
   for standard in c89 c99 c11; do alone "$header" "$cc" "-std=$standard" -x c; done
   for standard in c++11 c++20; do alone "$header" "$cxx" "-std=$standard" -x c++; done
