@@ -25,3 +25,5 @@ write_basic_package_version_file(zevociConfigVersion.cmake COMPATIBILITY SameMaj
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zevociConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/zevociConfigVersion.cmake DESTINATION ${package_dir})
 install(EXPORT zevociTargets NAMESPACE zevoci:: DESTINATION ${package_dir})
+
+include(cmake/dropin.cmake)

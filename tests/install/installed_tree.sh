@@ -23,6 +23,9 @@ expected="nzt.h oci.h oci1.h ociap.h ociapr.h ocidfn.h ociextp.h ocixmldb.h orat
 expected+=" orl.h oro.h ort.h xa.h "
 [ "$installed" = "$expected" ] || fail "headers installed: $installed"
 
+"$scratch/prefix/bin/ocicheck" "$lib/libzevoci.so" > /dev/null || fail "ocicheck does not run"
+[ ! -e "$lib/libclntsh.so" ] || fail "the drop-in tree came uncalled for"
+
 # The tree works where it was moved to, too: the consumers use it there.
 mv "$scratch/prefix" "$scratch/moved"
 echo "installed tree is complete"

@@ -174,7 +174,7 @@ void readTexts(const Image &image, const Range &range, const Range &names,
 
 void makeUnique(std::vector<std::string_view> &names) {
   std::ranges::sort(names);
-  names.erase(std::ranges::unique(names).begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
 }
 
 }  // namespace

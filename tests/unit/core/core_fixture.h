@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zevoci/connection.h"
@@ -119,10 +120,12 @@ class Variable {
 template <class Work>
 std::string traced(int level, const Work &work) {
   std::FILE *log = std::tmpfile();
+  const std::uint64_t mask = std::exchange(oci_debug_mask, 0);
   oci_debug_log = log;
   OCI2PQ_TRACE_LEVEL = level;
   work();
   oci_debug_log = nullptr;
+  oci_debug_mask = mask;
   OCI2PQ_TRACE_LEVEL = 0;
   std::rewind(log);
   std::string text;
