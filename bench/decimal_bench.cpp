@@ -1,5 +1,6 @@
 // zevoci_bench_decimal: each call of the decimal engine beside MPFR at the same
-// precision, and multiplication from 40 to 100,000 digits. Needs no server.
+// precision and, where it has it, the decNumber library, and multiplication from 40 to
+// 100,000 digits. Needs no server.
 //
 // usage: zevoci_bench_decimal [PLACES...]   (40)
 #include <mpfr.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/decimal_peer.h"
 #include "bench/measure.h"
 #include "decimal/m_apm.h"
 
@@ -19,12 +21,18 @@ namespace {
 
 constexpr double kBitsPerDigit = 3.3219280948873623;
 
-/// The same number for both sides.
+/// Bits that hold so many digits.
+long bitsFor(int digits) {
+  return static_cast<long>(digits * kBitsPerDigit) + 1;
+}
+
+/// The same number for all sides.
 class Operand {
  public:
-  Operand(const std::string &text, long bits) : decimal(m_apm_init()) {
+  Operand(const std::string &text, int digits)
+      : decimal(m_apm_init()), peer(text, digits) {
     m_apm_set_string(decimal, text.c_str());
-    mpfr_init2(binary, bits);
+    mpfr_init2(binary, bitsFor(digits));
     mpfr_set_str(binary, text.c_str(), 10, MPFR_RNDN);
   }
   Operand(const Operand &) = delete;
@@ -36,6 +44,7 @@ class Operand {
 
   M_APM decimal;
   mpfr_t binary;
+  PeerNumber peer;
 };
 
 /// Operations a second: the best of many rounds, each long enough for the clock and
@@ -56,13 +65,24 @@ double rate(const std::function<void()> &operation) {
 }
 
 void printHead(const char *what) {
-  std::printf("\n%-14s %14s %14s %10s %8s\n", what, "engine 1/s", "MPFR 1/s", "engine us",
-              "ratio");
+  std::printf("\n%-14s %14s %14s %14s %10s %8s\n", what, "engine 1/s", "MPFR 1/s",
+              "decNumber 1/s", "engine us", "ratio");
 }
 
-void printRow(const std::string &name, double engine, double mpfr) {
-  std::printf("%-14s %14.0f %14.0f %10.3f %8.3f\n", name.c_str(), engine, mpfr,
-              1e6 / engine, engine / mpfr);
+/// `ratio` is to MPFR. A `peer` of 0 stands for none.
+void printRow(const std::string &name, double engine, double mpfr, double peer = 0) {
+  std::printf("%-14s %14.0f %14.0f ", name.c_str(), engine, mpfr);
+  if (peer > 0)
+    std::printf("%14.0f ", peer);
+  else
+    std::printf("%14s ", "-");
+  std::printf("%10.3f %8.3f\n", 1e6 / engine, engine / mpfr);
+}
+
+/// That of the decNumber library, 0 where it does not have the operation.
+double peerRate(const std::string &name, Operand &r, const Operand &a, const Operand &b) {
+  const PeerOperation compute = peerOperation(name);
+  return compute ? rate([&] { compute(r.peer, a.peer, b.peer); }) : 0;
 }
 
 std::string digitsOf(int count) {
@@ -102,11 +122,10 @@ const Row1 kFunctions[] = {
 // clang-format on
 
 void benchOperations(int places) {
-  const auto bits = static_cast<long>((places + 1) * kBitsPerDigit) + 1;
   const std::string digits = digitsOf(places + 1);
-  Operand a("7." + digits.substr(1), bits),
-      b("3." + digits.substr(0, digits.size() - 1), bits);
-  Operand r("0", bits);
+  Operand a("7." + digits.substr(1), places + 1),
+      b("3." + digits.substr(0, digits.size() - 1), places + 1);
+  Operand r("0", places + 1);
   const std::vector<std::pair<const char *, std::pair<Exact2, Mpfr2>>> exact = {
       {"add", {m_apm_add, mpfr_add}},
       {"subtract", {m_apm_subtract, mpfr_sub}},
@@ -115,7 +134,8 @@ void benchOperations(int places) {
     const auto [engine, mpfr] = pair;
     printRow(name,
              rate([&, engine = engine] { engine(r.decimal, a.decimal, b.decimal); }),
-             rate([&, mpfr = mpfr] { mpfr(r.binary, a.binary, b.binary, MPFR_RNDN); }));
+             rate([&, mpfr = mpfr] { mpfr(r.binary, a.binary, b.binary, MPFR_RNDN); }),
+             peerRate(name, r, a, b));
   }
   const std::vector<std::pair<const char *, std::pair<Engine2, Mpfr2>>> rounded = {
       {"divide", {m_apm_divide, mpfr_div}},
@@ -126,14 +146,14 @@ void benchOperations(int places) {
     printRow(name, rate([&, engine = engine] {
                engine(r.decimal, places, a.decimal, b.decimal);
              }),
-             rate([&, mpfr = mpfr] { mpfr(r.binary, a.binary, b.binary, MPFR_RNDN); }));
+             rate([&, mpfr = mpfr] { mpfr(r.binary, a.binary, b.binary, MPFR_RNDN); }),
+             peerRate(name, r, a, b));
   }
 }
 
 void benchText(int places) {
-  const auto bits = static_cast<long>((places + 1) * kBitsPerDigit) + 1;
   const std::string text = "7." + digitsOf(places);
-  Operand a(text, bits);
+  Operand a(text, places + 1);
   std::string out(static_cast<std::size_t>(places) + 64, '\0');
   printRow("from text", rate([&] { m_apm_set_string(a.decimal, text.c_str()); }),
            rate([&] { mpfr_set_str(a.binary, text.c_str(), 10, MPFR_RNDN); }));
@@ -143,26 +163,28 @@ void benchText(int places) {
 }
 
 void benchFunctions(int places) {
-  const auto bits = static_cast<long>((places + 1) * kBitsPerDigit) + 1;
-  Operand r("0", bits);
+  Operand r("0", places + 1);
   for (const Row1 &row : kFunctions) {
-    Operand x(row.before + digitsOf(places), bits);
+    Operand x(row.before + digitsOf(places), places + 1);
     printRow(row.name, rate([&] { row.engine(r.decimal, places, x.decimal); }),
-             rate([&] { row.mpfr(r.binary, x.binary, MPFR_RNDN); }));
+             rate([&] { row.mpfr(r.binary, x.binary, MPFR_RNDN); }),
+             peerRate(row.name, r, x, x));
   }
 }
 
 void benchMultiplication() {
+  constexpr int kMostPeerDigits = 10'000;  // by schoolbook, whose time grows too far
   printHead("digits");
   for (const int digits :
        {40, 80, 160, 320, 640, 1250, 2500, 5000, 10000, 25000, 50000, 100000}) {
-    const auto bits = static_cast<long>(digits * kBitsPerDigit) + 1;
     const std::string text = digitsOf(digits);
-    Operand a("7" + text.substr(1), bits), b("3" + text.substr(0, text.size() - 1), bits);
-    Operand r("0", 2 * bits);
+    Operand a("7" + text.substr(1), digits),
+        b("3" + text.substr(0, text.size() - 1), digits);
+    Operand r("0", 2 * digits);
     printRow(std::to_string(digits),
              rate([&] { m_apm_multiply(r.decimal, a.decimal, b.decimal); }),
-             rate([&] { mpfr_mul(r.binary, a.binary, b.binary, MPFR_RNDN); }));
+             rate([&] { mpfr_mul(r.binary, a.binary, b.binary, MPFR_RNDN); }),
+             digits <= kMostPeerDigits ? peerRate("multiply", r, a, b) : 0);
   }
 }
 

@@ -11,23 +11,6 @@ namespace {
 
 constexpr int kReciprocalPlaces = 250;  ///< from here on by the reciprocal
 
-/// Lays the digits of `a` out as limbs, moved right by `shift` digits, and returns their
-/// count. `limbs` gets zeros up to `room`.
-std::size_t toLimbs(Limb *limbs, std::size_t room, M_APM a, int shift) {
-  const std::size_t words = wordsFor(std::int64_t{a->digitCount} + shift);
-  if (shift == 0) {
-    gather(limbs, a->digits, bytesFor(a->digitCount));
-  } else {
-    Byte *run = engine().M_work1.sized(8 * words, "M_apm_sdivide");
-    layOut(run, words, a, shift);
-    gather(limbs, run, 8 * words);
-  }
-  std::fill(limbs + 2 * words, limbs + std::max(room, 2 * words), 0);
-  std::size_t used = 2 * words;
-  while (limbs[used - 1] == 0) --used;
-  return used;
-}
-
 /// Sets what lies behind so many digits of a run to 0.
 void cutRun(Byte *run, std::size_t words, std::int64_t digits) {
   const std::size_t bytes = bytesFor(digits);
@@ -69,8 +52,8 @@ void M_apm_sdivide(M_APM r, int places, M_APM a, M_APM b) {
   const std::size_t room = restLimbs(wanted, roomA, roomB);
   Limb *divisor = own.limbsB.sized(roomB, kName);
   Limb *rest = own.limbsA.sized(room, kName);
-  const std::size_t n = toLimbs(divisor, roomB, b, 0);
-  const std::size_t dividend = toLimbs(rest, room, a, shift);
+  const std::size_t n = toLimbs(divisor, roomB, b, 0, kName);
+  const std::size_t dividend = toLimbs(rest, room, a, shift, kName);
 
   Limb *quotient = own.limbsResult.sized(wanted, kName);
   const std::size_t made = divideLimbs(quotient, wanted, rest, dividend, divisor, n);

@@ -185,6 +185,12 @@ void assignRun(M_APM number, Byte *run, std::size_t words, std::int64_t exponent
 /// enough, zeros before and behind.
 void layOut(Byte *run, std::size_t words, M_APM a, std::int64_t shift);
 
+/// Writes the digits of `a`, moved `shift` digits to the right, as limbs, and zeros
+/// behind them up to `room`. `limbs` has room for that and for 2 * wordsFor() the moved
+/// digits. Returns the count up to the last limb that is not 0.
+std::size_t toLimbs(Limb *limbs, std::size_t room, M_APM a, int shift,
+                    const char *function);
+
 /// -1, 0 or 1 as the magnitude of `a` is less than, equal to or greater than that of `b`,
 /// of which none is zero.
 int compareMagnitudes(M_APM a, M_APM b);

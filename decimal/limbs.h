@@ -79,9 +79,17 @@ void multiplyByRows(Limb *product, const Limb *a, std::size_t n, const Limb *b,
 std::size_t divideLimbs(Limb *quotient, std::size_t wanted, Limb *rest,
                         std::size_t dividend, const Limb *divisor, std::size_t n);
 
-/// Limbs that `rest` needs.
+/// Limbs that `rest` of divideLimbs needs.
 constexpr std::size_t restLimbs(std::size_t wanted, std::size_t dividend, std::size_t n) {
   return (dividend > n + wanted ? dividend : n + wanted) + 4;
 }
+
+/// Square root of a fraction from 0.01 up to below 1: `root` gets its first `wanted`
+/// limbs, two at least, the rest cut off. `rest` is scratch of 2 * wanted limbs, the
+/// first `square` of which are the fraction and the others 0. `twice` is scratch of
+/// wanted + 1 limbs. Returns the count of limbs made: fewer than wanted when nothing
+/// remains.
+std::size_t rootLimbs(Limb *root, std::size_t wanted, Limb *rest, std::size_t square,
+                      Limb *twice);
 
 }  // namespace zev::decimal

@@ -78,6 +78,22 @@ void layOut(Byte *run, std::size_t words, M_APM a, std::int64_t shift) {
   shiftRightOneDigit(run + 8 * from, words - from);
 }
 
+std::size_t toLimbs(Limb *limbs, std::size_t room, M_APM a, int shift,
+                    const char *function) {
+  const std::size_t words = wordsFor(std::int64_t{a->digitCount} + shift);
+  if (shift == 0) {
+    gather(limbs, a->digits, bytesFor(a->digitCount));
+  } else {
+    Byte *run = engine().M_work1.sized(8 * words, function);
+    layOut(run, words, a, shift);
+    gather(limbs, run, 8 * words);
+  }
+  std::fill(limbs + 2 * words, limbs + std::max(room, 2 * words), 0);
+  std::size_t used = 2 * words;
+  while (limbs[used - 1] == 0) --used;
+  return used;
+}
+
 void moveExponent(M_APM number, std::int64_t by) {
   if (number->sign != 0) setExponent(number, number->exponent + by);
 }

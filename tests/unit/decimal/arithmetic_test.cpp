@@ -232,7 +232,7 @@ TEST(DecimalRounding, DigitsBehindThePoint) {
 }
 
 TEST(DecimalRounding, RandomNumbersAgreeWithTheirHalfUnit) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(5000, 100'000); i > 0; --i) {
     const std::string digits = randomDigits(random, between(random, 1, 60));
     const int places = between(random, 0, 59);

@@ -1,7 +1,10 @@
 #include "decimal_fixture.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <memory>
 
 namespace zevtest {
 namespace {
@@ -36,6 +39,12 @@ std::string Number::integer() const {
   return text.c_str();
 }
 
+std::string Integer::text() const {
+  const std::unique_ptr<char, decltype(&std::free)> text(mpz_get_str(nullptr, 10, value_),
+                                                         std::free);
+  return text.get();
+}
+
 double unitsOff(M_APM result, mpfr_ptr exact, int places) {
   std::string text(static_cast<std::size_t>(result->digitCount) + 32, '\0');
   m_apm_to_string(text.data(), -1, result);
@@ -52,19 +61,6 @@ double unitsOff(M_APM result, mpfr_ptr exact, int places) {
   mpfr_exp10(unit, unit, MPFR_RNDN);
   mpfr_div(value, value, unit, MPFR_RNDN);
   return std::abs(mpfr_get_d(value, MPFR_RNDA));
-}
-
-std::mt19937_64 randomGenerator() {
-  const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run =
-      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-  return std::mt19937_64(run ^ std::hash<std::string>{}(name));
-}
-
-int rounds(int shortForm, int longForm) {
-  return std::getenv("ZEVOCI_TEST_LONG") ? longForm : shortForm;
 }
 
 int between(std::mt19937_64 &random, int low, int high) {
@@ -85,6 +81,21 @@ std::string randomDigits(std::mt19937_64 &random, int count) {
   for (char *end : {&digits.front(), &digits.back()})
     if (*end == '0') *end = static_cast<char>('1' + random() % 9);
   return digits;
+}
+
+int someLength(std::mt19937_64 &random) {
+  constexpr int kBorders[] = {1,  2,  7,  8,  9,  15,  16,  17,
+                              40, 94, 95, 96, 97, 128, 160, 161};
+  switch (random() % 8) {
+    case 0:
+      return kBorders[random() % std::size(kBorders)];
+    case 1:
+      return between(random, 1, 400);
+    case 2:
+      return random() % 16 ? between(random, 1, 100) : between(random, 400, 3000);
+    default:
+      return between(random, 1, 80);
+  }
 }
 
 std::string warningsOf(const std::function<void()> &work) {

@@ -1,6 +1,7 @@
 /// Numbers that free themselves, random ones, and what the tests say about them.
 #pragma once
 
+#include <gmp.h>
 #include <gtest/gtest.h>
 #include <mpfr.h>
 
@@ -10,6 +11,7 @@
 #include <string>
 
 #include "decimal/m_apm.h"
+#include "tests/support/random_inputs.h"
 
 namespace zevtest {
 
@@ -51,15 +53,27 @@ class Real {
   mpfr_t value_;
 };
 
+/// An integer of GMP's for the length of a scope.
+class Integer {
+ public:
+  Integer() { mpz_init(value_); }
+  explicit Integer(const std::string &text) {
+    mpz_init_set_str(value_, text.c_str(), 10);
+  }
+  Integer(const Integer &) = delete;
+  Integer &operator=(const Integer &) = delete;
+  ~Integer() { mpz_clear(value_); }
+
+  operator mpz_ptr() { return value_; }
+  std::string text() const;
+
+ private:
+  mpz_t value_;
+};
+
 /// How far a result lies from the true value, in units of the digit at `places` of the
 /// latter.
 double unitsOff(M_APM result, mpfr_ptr exact, int places);
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-std::mt19937_64 randomGenerator();
-
-/// One count for every day and one for the long form, which ZEVOCI_TEST_LONG asks for.
-int rounds(int shortForm, int longForm);
 
 /// `count` random digits, of which the first and the last are not 0. Runs of 0 and of 9
 /// are frequent.
@@ -67,6 +81,10 @@ std::string randomDigits(std::mt19937_64 &random, int count);
 
 /// A random number from `low` to `high`, both included.
 int between(std::mt19937_64 &random, int low, int high);
+
+/// Lengths around the borders of words, limbs, tables and tiers, and any others, up to
+/// 3000.
+int someLength(std::mt19937_64 &random);
 
 /// What `work` writes to standard error.
 std::string warningsOf(const std::function<void()> &work);

@@ -102,7 +102,7 @@ class Functions : public testing::TestWithParam<Row> {};
 
 TEST_P(Functions, AgreesWithMpfr) {
   const Row &row = GetParam();
-  Random random = randomGenerator();
+  Random random = generator();
   double worst = 0;
   for (int i = rounds(400, 100'000); i > 0; --i) {
     const std::string text = argument(random, row);
@@ -169,7 +169,7 @@ void expectAgreement(const char *name, Engine2 engine, Oracle2 oracle,
 }
 
 TEST(DecimalFunctions, PowAgreesWithMpfr) {
-  Random random = randomGenerator();
+  Random random = generator();
   const Domain base{-20, 20, false, {"1", "2", "10", "0.1", "1.0001"}};
   const Domain exponent{-10, 4, false, {"1", "0.5", "2", "10"}};
   for (int i = rounds(400, 100'000); i > 0; --i) {
@@ -185,7 +185,7 @@ TEST(DecimalFunctions, PowAgreesWithMpfr) {
 }
 
 TEST(DecimalFunctions, IntegerPowAgreesWithMpfr) {
-  Random random = randomGenerator();
+  Random random = generator();
   for (int i = rounds(400, 100'000); i > 0; --i) {
     const int digits = between(random, 0, 8);
     const int n = between(random, 1, static_cast<int>(std::pow(10, digits)));
@@ -205,7 +205,7 @@ TEST(DecimalFunctions, IntegerPowAgreesWithMpfr) {
 }
 
 TEST(DecimalFunctions, Arctan2AgreesWithMpfr) {
-  Random random = randomGenerator();
+  Random random = generator();
   const Domain domain{-40, 40, true, {"1", "1E-4", "1000"}};
   for (int i = rounds(400, 100'000); i > 0; --i) {
     const std::string y = withSign(random, true, anywhere(random, domain));
@@ -218,7 +218,7 @@ TEST(DecimalFunctions, Arctan2AgreesWithMpfr) {
 
 /// Below 250 places a quotient is cut, from there on it is rounded.
 TEST(DecimalFunctions, QuotientsAgreeWithMpfr) {
-  Random random = randomGenerator();
+  Random random = generator();
   const Domain domain{-40, 0, true, {"1", "0.1"}};
   for (int i = rounds(2000, 100'000); i > 0; --i) {
     const std::string a = withSign(random, true, anywhere(random, domain));
@@ -231,7 +231,7 @@ TEST(DecimalFunctions, QuotientsAgreeWithMpfr) {
 }
 
 TEST(DecimalFunctions, ReciprocalsAgreeWithMpfr) {
-  Random random = randomGenerator();
+  Random random = generator();
   for (int i = rounds(1000, 100'000); i > 0; --i) {
     const std::string text =
         withSign(random, true, anywhere(random, {-300, 300, true, {}}));

@@ -164,7 +164,7 @@ TEST(DecimalTrig, AtZero) {
 }
 
 TEST(DecimalTrig, SineAndCosineAtOnceAreThoseAlone) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(300, 20'000); i > 0; --i) {
     const std::string text = (random() % 2 ? "-0." : "0.") + randomDigits(random, 20) +
                              "E" + std::to_string(between(random, -30, 6));

@@ -118,7 +118,7 @@ TEST(DecimalGcd, FractionsWarnAndGiveZero) {
 /// Numbers with a known common factor, in lengths that take machine words, single steps
 /// of Euclid's algorithm and many at once.
 TEST(DecimalGcd, AgreesWithGmp) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   mpz_t x, y, factor;
   mpz_inits(x, y, factor, nullptr);
   const auto expectSame = [&](int digitsX, int digitsY, int digitsFactor) {

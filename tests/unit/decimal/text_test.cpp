@@ -238,7 +238,7 @@ TEST(DecimalText, LocaleIsOfNoConsequence) {
 
 /// What is printed with all digits reads as the same number.
 TEST(DecimalText, RandomNumbersSurviveBothForms) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(2000, 100'000); i > 0; --i) {
     const std::string text = (random() % 2 ? "-0." : "0.") +
                              randomDigits(random, between(random, 1, 80)) + "E" +
@@ -251,7 +251,7 @@ TEST(DecimalText, RandomNumbersSurviveBothForms) {
 
 /// MPFR prints the same number of places of numbers that it holds exactly.
 TEST(DecimalText, PlainFormAgreesWithMpfr) {
-  std::mt19937_64 random = randomGenerator();
+  std::mt19937_64 random = generator();
   for (int i = rounds(2000, 100'000); i > 0; --i) {
     const double value =
         std::ldexp(static_cast<double>(random() >> 40), between(random, -40, 20));

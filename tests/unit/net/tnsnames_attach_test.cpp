@@ -229,7 +229,7 @@ TEST_F(TnsnamesAttach, TextInUtf16IsLookedUpToo) {
 }
 
 TEST_F(TnsnamesAttach, RandomFilesAttachAndChangedOnesAttachOrAreRefused) {
-  auto random = seededGenerator();
+  auto random = zevtest::generator();
   int refused = 0;
   for (int i = 0; i < 10000; ++i) {
     const bool change = i % 2;

@@ -302,13 +302,4 @@ std::string mutated(std::string text, std::mt19937_64 &random) {
   return text;
 }
 
-std::mt19937_64 seededGenerator() {
-  const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run =
-      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-  const auto *info = testing::UnitTest::GetInstance()->current_test_info();
-  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  return std::mt19937_64(run ^ std::hash<std::string>{}(info->name()));
-}
-
 }  // namespace zev::test

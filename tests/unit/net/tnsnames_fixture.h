@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "net/tnsnames.h"
+#include "tests/support/random_inputs.h"
 
 namespace zev::test {
 
@@ -41,8 +42,5 @@ struct RandomFile {
 
 /// A copy of `text` with some bytes or words changed, doubled, dropped or put in.
 std::string mutated(std::string text, std::mt19937_64 &random);
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-std::mt19937_64 seededGenerator();
 
 }  // namespace zev::test

@@ -292,7 +292,7 @@ std::string capitalised(std::string text) {
 }
 
 TEST(TnsnamesKeywords, AreOneTokenInEveryCase) {
-  auto random = seededGenerator();
+  auto random = zevtest::generator();
   std::set<int> tokens;
   for (const std::string word : kKeywords) {
     const int token = ScanKeywordLookup(word.c_str());
@@ -511,7 +511,7 @@ TEST(TnsnamesParser, AStreamIsReadFromWhereItStands) {
 }
 
 TEST(TnsnamesRandom, EveryFileOfTheGrammarIsUnderstood) {
-  auto random = seededGenerator();
+  auto random = zevtest::generator();
   for (int i = 0; i < 10000; ++i) {
     const RandomFile file(random);
     const auto [outcome, list] = parseText(file.text);
@@ -523,7 +523,7 @@ TEST(TnsnamesRandom, EveryFileOfTheGrammarIsUnderstood) {
 }
 
 TEST(TnsnamesRandom, AChangedFileIsUnderstoodOrRefused) {
-  auto random = seededGenerator();
+  auto random = zevtest::generator();
   int count[2] = {};
   for (int i = 0; i < 10000; ++i) {
     const std::string text = mutated(RandomFile(random).text, random);

@@ -33,7 +33,7 @@ TEST_F(Direct, ExponentsThereAndBack) {
 }
 
 TEST_F(Direct, NumbersAreReadAsThroughText) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const OCINumber x = random(38, 60);
     ASSERT_EQ(ConvertOCINumberToM_APM(&x, a_), 0) << hex(x);
     ASSERT_TRUE(zev::decimal::readNumberByText(x, b_));
@@ -42,7 +42,7 @@ TEST_F(Direct, NumbersAreReadAsThroughText) {
 }
 
 TEST_F(Direct, NumbersLeadThereAndBack) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const OCINumber x = random(38, 60);
     OCINumber back;
     ASSERT_EQ(ConvertOCINumberToM_APM(&x, a_), 0);

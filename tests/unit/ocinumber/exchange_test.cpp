@@ -43,11 +43,11 @@ class Exchange : public Numbers {
 };
 
 TEST_F(Exchange, EncodingsAreReadAlike) {
-  for (int i = 0; i < samples(100000, 5000000); ++i) expectReadAlike(random(44, 126));
+  for (int i = 0; i < rounds(100000, 5000000); ++i) expectReadAlike(random(44, 126));
 }
 
 TEST_F(Exchange, ArbitraryBytesAreReadAlike) {
-  for (int i = 0; i < samples(200000, 10000000); ++i) {
+  for (int i = 0; i < rounds(200000, 10000000); ++i) {
     OCINumber encoding;
     for (ub1 &byte : encoding.OCINumberPart) {
       // Mostly bytes that digits have.
@@ -63,7 +63,7 @@ TEST_F(Exchange, ArbitraryBytesAreReadAlike) {
 }
 
 TEST_F(Exchange, NumbersAreWrittenAlike) {
-  for (int i = 0; i < samples(200000, 10000000); ++i) {
+  for (int i = 0; i < rounds(200000, 10000000); ++i) {
     std::string text = decimal(between(0, 1) ? 45 : 170, 0);
     text = text.substr(0, text.find('E'));
     text += "E" + std::to_string(between(0, 9) ? between(-90, 90) : between(-300, 300));

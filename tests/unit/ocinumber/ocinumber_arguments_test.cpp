@@ -129,7 +129,7 @@ TEST_F(OciNumberArguments, BytesThatAreNoNumberFailAndLeaveTheResult) {
 /// An encoding that no function wrote gives a number or a failure, in bounded time.
 TEST_F(OciNumberArguments, ArbitraryBytesEndWithANumberOrAFailure) {
   testing::internal::CaptureStderr();
-  for (int i = 0; i < samples(1500, 100000); ++i) {
+  for (int i = 0; i < rounds(1500, 100000); ++i) {
     OCINumber a, b;
     for (OCINumber *n : {&a, &b}) {
       // Mostly bytes that digits have.

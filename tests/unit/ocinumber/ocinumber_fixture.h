@@ -5,20 +5,14 @@
 #include <ociap.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <random>
 #include <string>
 
+#include "tests/support/environment.h"
+#include "tests/support/random_inputs.h"
 #include "types/number.h"
-#include "zevoci/errors.h"
 
 namespace zevtest {
-
-/// How many random inputs a test takes.
-inline int samples(int shortForm, int longForm) {
-  return std::getenv("ZEVOCI_TEST_LONG") ? longForm : shortForm;
-}
 
 inline const OraText *oraText(const char *text) {
   return reinterpret_cast<const OraText *>(text);
@@ -71,31 +65,13 @@ inline std::string value(const OCINumber &of) {
 
 class Numbers : public testing::Test {
  protected:
-  Numbers() {
-    EXPECT_EQ(
-        OCIEnvCreate(&env_, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-        OCI_SUCCESS);
-    void *handle = nullptr;
-    EXPECT_EQ(OCIHandleAlloc(env_, &handle, OCI_HTYPE_ERROR, 0, nullptr), OCI_SUCCESS);
-    errhp_ = static_cast<OCIError *>(handle);
-    const char *given = std::getenv("ZEVOCI_TEST_SEED");
-    const auto seed = given ? std::strtoul(given, nullptr, 10) : std::random_device{}();
-    std::printf("ZEVOCI_TEST_SEED=%lu\n", static_cast<unsigned long>(seed));
-    random_.seed(seed);
-  }
-  ~Numbers() override { OCIHandleFree(env_, OCI_HTYPE_ENV); }
-
-  OCIError *err() { return errhp_; }
-  OCIEnv *env() { return env_; }
+  OCIError *err() { return records_.errhp; }
+  OCIEnv *env() { return records_.env; }
 
   /// The code of the last record, 0 for none; forgets them all.
   int take(std::string *text = nullptr) {
-    int code = 0;
-    for (const ErrorRecord *record : zev::Elements<ErrorRecord>(errhp_->records)) {
-      code = record->errcode;
-      if (text && record->content & kHasMsg) *text = record->msg;
-    }
-    ClearErrorHandle(errhp_);
+    const int code = records_.takeRecord();
+    if (text) *text = records_.lastMessage;
     return code;
   }
   int between(int low, int high) {
@@ -114,11 +90,10 @@ class Numbers : public testing::Test {
     return number(decimal(digits, power));
   }
 
-  std::mt19937_64 random_;
+  std::mt19937_64 random_ = generator();
 
  private:
-  OCIEnv *env_ = nullptr;
-  OCIError *errhp_ = nullptr;
+  Environment records_;
 };
 
 }  // namespace zevtest

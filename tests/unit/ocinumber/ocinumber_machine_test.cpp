@@ -88,7 +88,7 @@ TEST_F(OciNumberMachine, IntegersAtTheirBounds) {
 }
 
 TEST_F(OciNumberMachine, RandomIntegersThereAndBack) {
-  for (int i = 0; i < samples(50000, 2000000); ++i) {
+  for (int i = 0; i < rounds(50000, 2000000); ++i) {
     const sb4 given = static_cast<sb4>(random_()) >> between(0, 31);
     OCINumber x;
     ASSERT_EQ(OCINumberFromInt(err(), &given, sizeof given, OCI_NUMBER_SIGNED, &x),
@@ -121,7 +121,7 @@ TEST_F(OciNumberMachine, IntegersOfEachLength) {
 }
 
 TEST_F(OciNumberMachine, LargeIntegersHaveTheDigitsOfADouble) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const auto given = static_cast<sb8>(random_());
     char printed[40];
     std::snprintf(printed, sizeof printed, "%.14E", static_cast<double>(given));
@@ -134,7 +134,7 @@ TEST_F(OciNumberMachine, LargeIntegersHaveTheDigitsOfADouble) {
 }
 
 TEST_F(OciNumberMachine, FloatsHaveFifteenDigits) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const double given =
         (static_cast<double>(random_()) / 1e19 - 0.9) * std::pow(10.0, between(-20, 60));
     OCINumber x;
@@ -151,7 +151,7 @@ TEST_F(OciNumberMachine, FloatsHaveFifteenDigits) {
 }
 
 TEST_F(OciNumberMachine, DoublesAreTheNearestOfTheText) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     std::string text = decimal(38, 0);
     text = text.substr(0, text.find('E')) + "E" + std::to_string(between(-38, 60));
     const double ours = toDouble(text);

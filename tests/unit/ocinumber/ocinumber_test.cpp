@@ -169,7 +169,7 @@ TEST_F(OciNumber, ConstantsAndCopies) {
 }
 
 TEST_F(OciNumber, Comparisons) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const int a = between(-1000, 1000), b = between(-1000, 1000);
     const OCINumber x = number(tenths(a)), y = number(tenths(b));
     sword order = 9, sign = 9;
@@ -288,7 +288,7 @@ TEST_F(OciNumberRoads, GiveTheBytesOfTheWayThroughText) {
   testing::internal::CaptureStderr();  // operands out of a function's domain
   for (const Plain &row : rows) {
     const bool isCheap = row.power > 20;
-    for (int i = 0; i < samples(isCheap ? 3000 : 150, isCheap ? 300000 : 20000); ++i) {
+    for (int i = 0; i < rounds(isCheap ? 3000 : 150, isCheap ? 300000 : 20000); ++i) {
       const OCINumber a = operand(row.power), b = operand(row.power);
       OCINumber ours = number("77"), plain = ours;
       const sword status = row.ours(err(), a, b, ours);

@@ -124,7 +124,7 @@ TEST_F(OciNumberText, LengthsMustBeThoseOfTheTexts) {
 }
 
 TEST_F(OciNumberText, RandomNumbersThereAndBack) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     std::string text = std::to_string(between(0, 999999));
     const std::string decimals = std::to_string(between(100, 999));
     const std::string given = text + "." + decimals;

@@ -214,7 +214,7 @@ TEST(Descriptors, AreFreedByTheirKind) {
 }
 
 TEST(Descriptors, AreAllocatedThroughTheInterface) {
-  Records records;
+  Environment records;
   for (const ub4 type :
        {OCI_DTYPE_INTERVAL_YM, OCI_DTYPE_INTERVAL_DS, OCI_DTYPE_DATE, OCI_DTYPE_TIMESTAMP,
         OCI_DTYPE_TIMESTAMP_TZ, OCI_DTYPE_TIMESTAMP_LTZ}) {
@@ -343,7 +343,7 @@ TEST(DateByFormat, MonthsByTheirNames) {
 
 TEST(DateByFormat, IsoDatesAreTurnedRound) {
   const LocalZone zone("UTC");
-  Records records;
+  Environment records;
   char out[64];
   EXPECT_EQ(ConvertISODateToRedwoodDate(records.errhp, "2001-02-03", out), 0);
   EXPECT_STREQ(out, "03-02-2001");
@@ -352,11 +352,11 @@ TEST(DateByFormat, IsoDatesAreTurnedRound) {
   EXPECT_EQ(ConvertISODateToRedwoodDate(records.errhp, "2001-02-03 04:05:06.25", out), 0);
   EXPECT_STREQ(out, "03-02-2001 04:05:06.250000000");
   EXPECT_EQ(ConvertISODateToRedwoodDate(records.errhp, "february 30 2001", out), -1);
-  EXPECT_EQ(records.take(), 1891);
+  EXPECT_EQ(records.takeRecord(), 1891);
 }
 
 TEST(TimestampText, HasNoTerminatorAndNoTrueFraction) {
-  Records records;
+  Environment records;
   const struct {
     double fsec;
     const char *text;
@@ -373,7 +373,7 @@ TEST(TimestampText, HasNoTerminatorAndNoTrueFraction) {
     EXPECT_EQ(text[length], '~');
     length = static_cast<ub4>(std::strlen(expected) - 1);
     EXPECT_EQ(ConvertTimestampToChars(records.errhp, text, &length, timestamp), -1);
-    EXPECT_EQ(records.take(), 0);
+    EXPECT_EQ(records.takeRecord(), 0);
   }
   char text[32];
   ub4 length = sizeof text;
@@ -383,8 +383,8 @@ TEST(TimestampText, HasNoTerminatorAndNoTrueFraction) {
   EXPECT_EQ(std::string(text, length), "-infinity");
   length = sizeof text;
   EXPECT_EQ(ConvertTimestampToChars(records.errhp, text, &length, 1e300), -1);
-  records.take();
-  EXPECT_EQ(records.text, "timestamp out of range");
+  records.takeRecord();
+  EXPECT_EQ(records.lastMessage, "timestamp out of range");
   EXPECT_EQ(ConvertTimestampToChars(records.errhp, nullptr, &length, 0), -1);
 }
 

@@ -1,66 +1,17 @@
-/// What the tests of dates and times share: an environment's error handle, random
-/// moments, and zones of the process.
+/// What the tests of dates and times share: random moments, and zones of the process.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-#include <random>
 #include <string>
 
+#include "tests/support/environment.h"
+#include "tests/support/random_inputs.h"
 #include "types/ocitimestamp/calendar.h"
-#include "zevoci/errors.h"
 
 namespace zevtest {
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-inline std::mt19937_64 generator() {
-  const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run =
-      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  return std::mt19937_64(run);
-}
-
-/// How many random inputs a test takes.
-inline int samples(int shortForm, int longForm) {
-  return std::getenv("ZEVOCI_TEST_LONG") ? longForm : shortForm;
-}
-
-/// An environment with an error handle.
-class Records {
- public:
-  Records() {
-    EXPECT_EQ(
-        OCIEnvCreate(&env, OCI_DEFAULT, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-        OCI_SUCCESS);
-    void *handle = nullptr;
-    EXPECT_EQ(OCIHandleAlloc(env, &handle, OCI_HTYPE_ERROR, 0, nullptr), OCI_SUCCESS);
-    errhp = static_cast<OCIError *>(handle);
-  }
-  ~Records() { OCIHandleFree(env, OCI_HTYPE_ENV); }
-  Records(const Records &) = delete;
-  Records &operator=(const Records &) = delete;
-
-  /// The code of the last record, 0 for none, with its text in `text`; forgets them all.
-  int take() {
-    int code = 0;
-    text.clear();
-    for (const ErrorRecord *record : zev::Elements<ErrorRecord>(errhp->records)) {
-      code = record->errcode;
-      if (record->content & kHasMsg) text = record->msg;
-    }
-    ClearErrorHandle(errhp);
-    return code;
-  }
-
-  OCIEnv *env = nullptr;
-  OCIError *errhp = nullptr;
-  std::string text;
-};
 
 /// The process's local zone for the time of a test.
 class LocalZone {

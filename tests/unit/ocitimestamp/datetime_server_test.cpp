@@ -56,11 +56,11 @@ class ServersText : public testing::Test {
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
   PGconn *conn_;
 };
 
-const std::string kMany = std::to_string(samples(1000, 50'000));
+const std::string kMany = std::to_string(rounds(1000, 50'000));
 
 TEST_F(ServersText, OfTimestamps) {
   expectMoments(

@@ -110,7 +110,7 @@ class DecodedDate : public testing::Test {
     const sb4 status =
         DecodeDateTime(records_.errhp, split.fields, split.types, split.count, &dtype,
                        &tm, &fsec, withTz ? &tz : nullptr, dayFirst);
-    const int code = records_.take();
+    const int code = records_.takeRecord();
     if (status == -1) return std::to_string(code);
     EXPECT_EQ(code, 0) << text;
     if (status == 1) return "time alone";
@@ -127,7 +127,7 @@ class DecodedDate : public testing::Test {
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
   std::int64_t gmtoff_ = 0;
   sb4 isdst_ = 0;
 };
@@ -377,21 +377,21 @@ TEST(PosixZoneField, CountsFromItsWord) {
 TEST(TimestampFromText, WordsAndRanges) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const LocalZone zone("UTC");
-  Records records;
+  Environment records;
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "2000-01-01 00:00:01.5"), 1.5);
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "epoch"), -946684800.0);
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "infinity"), kInfinity);
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "-infinity"), -kInfinity);
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "current"), kInfinity);
-  EXPECT_EQ(records.take(), 0);
+  EXPECT_EQ(records.takeRecord(), 0);
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "invalid"), 0);
-  records.take();
-  EXPECT_EQ(records.text, "date/time value \"invalid\" is no longer supported");
+  records.takeRecord();
+  EXPECT_EQ(records.lastMessage, "date/time value \"invalid\" is no longer supported");
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "5874898-01-01"), 0);
-  records.take();
-  EXPECT_EQ(records.text, "timestamp out of range: \"5874898-01-01\"");
+  records.takeRecord();
+  EXPECT_EQ(records.lastMessage, "timestamp out of range: \"5874898-01-01\"");
   EXPECT_EQ(ConvertStringToTimestamp(records.errhp, "february 30 2001"), 0);
-  EXPECT_EQ(records.take(), 1891);
+  EXPECT_EQ(records.takeRecord(), 1891);
   DateTimeParseError(0, nullptr, nullptr);
 }
 

@@ -23,7 +23,7 @@ class DecodedInterval : public testing::Test {
       return "no fields";
     const sb4 status =
         DecodeInterval(records_.errhp, fields, types, count, range, &dtype, &tm, &fsec);
-    code_ = records_.take();
+    code_ = records_.takeRecord();
     return shownAs(status, dtype, tm, fsec);
   }
   std::string decodeIso(const std::string &text) {
@@ -47,7 +47,7 @@ class DecodedInterval : public testing::Test {
     return all;
   }
 
-  Records records_;
+  Environment records_;
   int code_ = 0;
 };
 
@@ -238,7 +238,7 @@ TEST_F(DecodedInterval, RandomOnesLeadThroughEachStyleAndBack) {
   const auto upTo = [&](sb4 most) {
     return std::uniform_int_distribution<sb4>(0, most)(random);
   };
-  for (int i = samples(20'000, 1'000'000); i > 0; --i) {
+  for (int i = rounds(20'000, 1'000'000); i > 0; --i) {
     const sb4 monthSign = upTo(1) ? 1 : -1, daySign = upTo(1) ? 1 : -1,
               timeSign = upTo(1) ? 1 : -1;
     PGtm tm{};

@@ -117,7 +117,7 @@ TEST(DateTextOf, IsWhatTheCLibraryPrints) {
   const auto between = [&](sb4 low, sb4 high) {
     return std::uniform_int_distribution<sb4>(low, high)(random);
   };
-  for (int i = 0; i < samples(50000, 5000000); ++i) {
+  for (int i = 0; i < rounds(50000, 5000000); ++i) {
     const bool isWild = between(0, 9) == 0;
     const auto field = [&](sb4 low, sb4 high) {
       return isWild ? between(-1000, 1000) : between(low, high);

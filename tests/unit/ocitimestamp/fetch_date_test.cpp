@@ -37,7 +37,7 @@ class DateFetch : public testing::Test {
     got.status = convert(records_.errhp, field.c_str(), static_cast<sb4>(field.size()),
                          format, target, &got.length,
                          withIndicator ? &got.indicator : nullptr, &got.returnCode);
-    got.code = records_.take();
+    got.code = records_.takeRecord();
     return got;
   }
   std::string bytesOf(FromServerConverter convert, const std::string &field,
@@ -56,7 +56,7 @@ class DateFetch : public testing::Test {
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
 };
 
 TEST_F(DateFetch, IntoTheSevenBytes) {
@@ -363,7 +363,7 @@ class DateBind : public testing::Test {
     EXPECT_EQ(outLength, std::strlen(text.get()) + 1);
     return text.get();
   }
-  Records records_;
+  Environment records_;
 };
 
 TEST_F(DateBind, BytesOfDates) {

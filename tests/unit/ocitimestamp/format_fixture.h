@@ -58,7 +58,7 @@ class Formats : public ::testing::Test {
   std::string print(const std::string &format, const TmToChar &value = saturday(),
                     sb4 kind = kOCIDate) {
     char *text = datetime_to_char_body(records_.errhp, &value, format.c_str(), kind);
-    const int code = records_.take();
+    const int code = records_.takeRecord();
     if (!text) return failure(code);
     EXPECT_EQ(code, 0) << format;
     const std::string result(text);
@@ -70,7 +70,7 @@ class Formats : public ::testing::Test {
     Read result;
     result.status = do_to_timestamp(records_.errhp, text.c_str(), format.c_str(),
                                     &result.tm, &result.fsec, kind);
-    result.code = records_.take();
+    result.code = records_.takeRecord();
     return result;
   }
 
@@ -97,7 +97,7 @@ class Formats : public ::testing::Test {
         model.compile(records_.errhp, false, kind) == 0 &&
         DCH_processor(records_.errhp, model.nodes(), copy.data(), 0, kind, &out);
     EXPECT_EQ(copy, text);
-    const int code = records_.take();
+    const int code = records_.takeRecord();
     return done ? "" : failure(code);
   }
 
@@ -105,12 +105,12 @@ class Formats : public ::testing::Test {
   int compiled(const std::string &format, bool isToChar, sb4 kind) {
     CompiledModel model(format.c_str());
     const sb4 status = model.compile(records_.errhp, isToChar, kind);
-    const int code = records_.take();
+    const int code = records_.takeRecord();
     EXPECT_EQ(status, code ? -1 : 0);
     return code;
   }
 
-  Records records_;
+  Environment records_;
 };
 
 }  // namespace zevtest

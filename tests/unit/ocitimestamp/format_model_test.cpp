@@ -77,7 +77,7 @@ TEST(Vocabulary, TheLongestMatchWins) {
 TEST(Vocabulary, BothWaysToFindAnElementAgree) {
   std::mt19937_64 random = generator();
   const char characters[] = "ABCDEFHIJMNOPQRSTUVWXYZabcdfhijmnopqrstuvwxyz.,124\xc3 ";
-  for (int i = 0; i < samples(100000, 10000000); ++i) {
+  for (int i = 0; i < rounds(100000, 10000000); ++i) {
     std::string text = DCH_keywords[random() % kElementLimit].name;
     text.resize(random() % (text.size() + 1));
     while (random() % 2) text += characters[random() % (sizeof characters - 1)];
@@ -115,7 +115,7 @@ class Nodes : public Formats {
                     sb4 kind = kZonedDescriptor) {
     CompiledModel model(format.c_str());
     if (model.compile(records_.errhp, isToChar, kind) != 0)
-      return failure(records_.take());
+      return failure(records_.takeRecord());
     std::string line;
     count_ = 0;
     for (const FormatNode *n = model.nodes(); n->type != kEndNode; ++n, ++count_)
@@ -324,7 +324,7 @@ TEST_F(Formats, EachPairOfElementsConflictsOrNot) {
           nodes[1].key = &DCH_keywords[t];
           const boolean found =
               DuplicateNodeExists(records_.errhp, nodes, nodes + 1, kind);
-          const int code = records_.take();
+          const int code = records_.takeRecord();
           ASSERT_EQ(code, expectedConflict(DCH_keywords[t].id, DCH_keywords[e].id, origin,
                                            kind))
               << DCH_keywords[t].name << " behind " << DCH_keywords[e].name << " kind "

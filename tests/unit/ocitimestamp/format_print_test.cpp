@@ -111,13 +111,14 @@ TEST_F(Printed, TheUnsupportedElementIsNamed) {
   const char *const rows[][2] = {{"RR", "RR"}, {"RRRR", "RRRR"}};
   for (const auto &[format, name] : rows) {
     EXPECT_EQ(datetime_to_char_body(records_.errhp, &value, format, kOCIDate), nullptr);
-    EXPECT_EQ(records_.take(), 30475);
-    EXPECT_EQ(records_.text, std::string("KESTREL-30475: unsupported feature: ") + name);
+    EXPECT_EQ(records_.takeRecord(), 30475);
+    EXPECT_EQ(records_.lastMessage,
+              std::string("KESTREL-30475: unsupported feature: ") + name);
   }
   EXPECT_EQ(datetime_to_char_body(records_.errhp, &value, "EE", kZonedDescriptor),
             nullptr);
-  EXPECT_EQ(records_.take(), 30475);
-  EXPECT_EQ(records_.text, "KESTREL-30475: unsupported feature: EE");
+  EXPECT_EQ(records_.takeRecord(), 30475);
+  EXPECT_EQ(records_.lastMessage, "KESTREL-30475: unsupported feature: EE");
 }
 
 TEST_F(Printed, KindsOfValues) {
@@ -391,7 +392,7 @@ TEST_F(Printed, ElementsOfOtherFamiliesAreNoElements) {
             -1);
   EXPECT_EQ(dch_date(-1, out, 0, 1, kOCIDate, &node, &value, records_.errhp), -1);
   EXPECT_EQ(dch_global(kFX, out, 0, 1, kOCIDate, &node, &value, records_.errhp), 0);
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
 }
 
 }  // namespace

@@ -107,8 +107,8 @@ class RandomModels : public Generated {
 };
 
 TEST_F(RandomModels, WhatIsPrintedIsReadBack) {
-  const int rounds = samples(20000, 2000000);
-  for (int i = 0; i < rounds; ++i) {
+  const int count = rounds(20000, 2000000);
+  for (int i = 0; i < count; ++i) {
     const TmToChar original = value();
     const std::string format = model(i % 2 == 0);
     const std::string text = print(format, original);
@@ -130,12 +130,12 @@ TEST_F(RandomModels, WithoutAYearBothReadersTakeThisYears) {
   ASSERT_EQ(scanDateTime(records_.errhp, "05", "MM", tm, fsec, kOCIDate), 0);
   EXPECT_EQ(zevtest::trimmed(tm), shown("MM", "05"));
   EXPECT_EQ(scanDateTime(records_.errhp, "13", "MM", tm, fsec, kOCIDate), -1);
-  EXPECT_EQ(records_.take(), 1843);
+  EXPECT_EQ(records_.takeRecord(), 1843);
 }
 
 TEST_F(RandomModels, NumbersOfFixedWidthNeedNoSeparators) {
   std::vector<std::string> elements = {"YYYY", "MM", "DD", "HH24", "MI", "SS"};
-  for (int i = 0; i < samples(5000, 500000); ++i) {
+  for (int i = 0; i < rounds(5000, 500000); ++i) {
     std::shuffle(elements.begin(), elements.end(), random_);
     const std::string format =
         std::accumulate(elements.begin(), elements.end(), std::string());
@@ -147,7 +147,7 @@ TEST_F(RandomModels, NumbersOfFixedWidthNeedNoSeparators) {
 }
 
 TEST_F(RandomModels, JulianDaysAndSecondsOfTheDayDetermineTheMoment) {
-  for (int i = 0; i < samples(5000, 500000); ++i) {
+  for (int i = 0; i < rounds(5000, 500000); ++i) {
     const TmToChar original = value();
     const std::string text = print("J SSSSS", original);
     ASSERT_EQ(shown("J SSSSS", text), zevtest::trimmed(original.tm)) << text;
@@ -164,7 +164,7 @@ TEST_F(RandomModels, NumbersAreTheCLibrarysOwn) {
       {"FMMonthFM Dy", "%B %a"},
       {"IYYY-IW IY", "%G-%V %g"},
   };
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const TmToChar original = at(between(1000, 9999), between(1, 12), between(1, 28),
                                  between(0, 23), between(0, 59), between(0, 59));
     struct tm system;
@@ -186,7 +186,7 @@ TEST_F(RandomModels, AnyTextAndModelEndWithAValueOrARecord) {
       text += characters[random_() % (sizeof characters - 1)];
     return text;
   };
-  for (int i = 0; i < samples(50000, 5000000); ++i) {
+  for (int i = 0; i < rounds(50000, 5000000); ++i) {
     const std::string format = scramble(i % 50 == 0 ? 400 : 20);
     const sb4 kind = kAllKinds[i % 4];
     runBothWays(format, saturday(), kind);

@@ -367,7 +367,7 @@ TEST_F(Scanned, TextBetweenElements) {
 
 TEST_F(Scanned, ADifferentLiteralNamesAString) {
   EXPECT_EQ(read("DD\"x\"", "05y").code, 1861);
-  EXPECT_EQ(records_.text, "KESTREL-01861: illegal literal for format string");
+  EXPECT_EQ(records_.lastMessage, "KESTREL-01861: illegal literal for format string");
 }
 
 TEST_F(Scanned, FillModeReadsAllDigits) {
@@ -408,7 +408,7 @@ class Settled : public Formats {
     PGtm tm = dateTime(2001, 2, 1);
     fsec_ = 0;
     settle(fields, records_.errhp, tm, fsec_);
-    EXPECT_EQ(records_.take(), code);
+    EXPECT_EQ(records_.takeRecord(), code);
     wday_ = tm.tm_wday;
     yday_ = tm.tm_yday;
     return zevtest::shown(tm);
@@ -460,8 +460,8 @@ TEST_F(Settled, Eras) {
   PGtm tm = dateTime(0, 2, 1);
   double fsec = 0;
   settle({.bc = 1}, records_.errhp, tm, fsec);
-  EXPECT_EQ(records_.take(), 0);
-  EXPECT_EQ(records_.text, "inconsistent use of year 0000 and \"BC\"");
+  EXPECT_EQ(records_.takeRecord(), 0);
+  EXPECT_EQ(records_.lastMessage, "inconsistent use of year 0000 and \"BC\"");
   EXPECT_EQ(tm.tm_year, 0);
 }
 
@@ -486,8 +486,9 @@ TEST_F(Settled, ADayOfTheYearWithoutAYearIsTold) {
   PGtm tm = dateTime(0, 2, 1);
   double fsec = 0;
   settle({.ddd = 45}, records_.errhp, tm, fsec);
-  EXPECT_EQ(records_.take(), 0);
-  EXPECT_EQ(records_.text, "cannot calculate day of year without year information");
+  EXPECT_EQ(records_.takeRecord(), 0);
+  EXPECT_EQ(records_.lastMessage,
+            "cannot calculate day of year without year information");
   EXPECT_EQ(tm.tm_mday, 14);
 }
 

@@ -23,7 +23,7 @@ class IsoText : public testing::Test {
                       &count) != 0 ||
         DecodeDateTime(records_.errhp, fields, types, count, &dtype, &moment.tm,
                        &moment.fsec, &tz, 0) != 0) {
-      records_.take();
+      records_.takeRecord();
       return std::nullopt;
     }
     EXPECT_EQ(dtype, zev::kPlainDate);
@@ -74,12 +74,12 @@ class IsoText : public testing::Test {
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
   std::mt19937_64 random_ = generator();
 };
 
 TEST_F(IsoText, IsReadAsTheGeneralRoadReadsIt) {
-  for (int i = 0; i < samples(100000, 10000000); ++i) {
+  for (int i = 0; i < rounds(100000, 10000000); ++i) {
     const std::string given = text();
     ASSERT_TRUE(agree(given)) << given;
   }
@@ -89,7 +89,7 @@ TEST_F(IsoText, EveryDayOfTheYears1To9999) {
   using namespace std::chrono;
   int days_ = 0;
   for (auto day = sys_days(January / 1 / 1); day < sys_days(January / 1 / 10000);
-       day += days(samples(7, 1))) {
+       day += days(rounds(7, 1))) {
     const year_month_day date(day);
     char given[32];
     std::snprintf(given, sizeof given, "%04d-%02u-%02u", int{date.year()},
@@ -105,7 +105,7 @@ TEST_F(IsoText, EveryDayOfTheYears1To9999) {
 TEST_F(IsoText, WhateverItTakesTheGeneralRoadTakesToo) {
   int taken = 0;
   const std::string characters = "0123456789-:.+ TZBC/";
-  for (int i = 0; i < samples(200000, 20000000); ++i) {
+  for (int i = 0; i < rounds(200000, 20000000); ++i) {
     std::string given = text();
     for (int changes = between(1, 3); changes > 0; --changes) {
       const auto place =

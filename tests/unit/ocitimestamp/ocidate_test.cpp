@@ -34,9 +34,9 @@ class OciDate : public testing::Test {
   OCIError *err() { return records_.errhp; }
   void expectMissing(sword status, const char *number) {
     EXPECT_EQ(status, OCI_ERROR);
-    EXPECT_EQ(records_.take(), 21560);
-    EXPECT_TRUE(records_.text.ends_with(std::string("argument ") + number))
-        << records_.text;
+    EXPECT_EQ(records_.takeRecord(), 21560);
+    EXPECT_TRUE(records_.lastMessage.ends_with(std::string("argument ") + number))
+        << records_.lastMessage;
   }
   sword fromText(const std::string &text, const std::string &format, OCIDate &out) {
     // Exactly as long as they say.
@@ -54,7 +54,7 @@ class OciDate : public testing::Test {
         OCIDateToText(err(), &d, oraText(format.c_str()), static_cast<ub1>(format.size()),
                       nullptr, 0, &size, text);
     return status == OCI_SUCCESS ? reinterpret_cast<char *>(text)
-                                 : "record " + std::to_string(records_.take());
+                                 : "record " + std::to_string(records_.takeRecord());
   }
   uword check(const OCIDate &d) {
     uword found = 99;
@@ -65,14 +65,14 @@ class OciDate : public testing::Test {
   char compare(const OCIDate &a, const OCIDate &b) {
     sword result = 7;
     if (OCIDateCompare(err(), &a, &b, &result) != OCI_SUCCESS) {
-      EXPECT_EQ(records_.take(), 0);
+      EXPECT_EQ(records_.takeRecord(), 0);
       return '?';
     }
     return "<=>"[result + 1];
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
 };
 
 TEST_F(OciDate, DaysAreAddedAndTheTimeIsDropped) {
@@ -225,13 +225,13 @@ TEST_F(OciDate, TextIsReadByAFormat) {
   EXPECT_EQ(fromText("05", "MM", out), OCI_SUCCESS);
   EXPECT_LE(std::abs(out.OCIDateYYYY - (system.tm_year + 1900)), 1) << "the present year";
   EXPECT_EQ(fromText("31-APR-2001", "DD-MON-YYYY", out), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 1839);
+  EXPECT_EQ(records_.takeRecord(), 1839);
   EXPECT_EQ(fromText("29-FEB-2001", "DD-MON-YYYY", out), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 1839);
+  EXPECT_EQ(records_.takeRecord(), 1839);
   EXPECT_EQ(fromText("13", "MM", out), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 1843);
+  EXPECT_EQ(records_.takeRecord(), 1843);
   EXPECT_EQ(fromText("01", "RR", out), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 30475);
+  EXPECT_EQ(records_.takeRecord(), 30475);
   EXPECT_EQ(fromText("05:04", "HH24:MI", out), OCI_SUCCESS);
   EXPECT_EQ(fromText(std::string(1000, ' ') + "2001", "YYYY", out), OCI_SUCCESS);
   EXPECT_EQ(fromText("2001", "YYYY" + std::string(251, ' '), out), OCI_SUCCESS);
@@ -275,7 +275,7 @@ TEST_F(OciDate, RandomDatesThroughTextAndBack) {
   const auto pick = [&](int least, int most) {
     return std::uniform_int_distribution<int>(least, most)(random);
   };
-  for (int i = samples(20'000, 1'000'000); i > 0; --i) {
+  for (int i = rounds(20'000, 1'000'000); i > 0; --i) {
     const OCIDate from =
         date(static_cast<sb2>(pick(1, 9999)), static_cast<ub1>(pick(1, 12)),
              static_cast<ub1>(pick(1, 28)), static_cast<ub1>(pick(0, 23)),
@@ -319,7 +319,7 @@ TEST_F(OciDate, NextDayOfThatName) {
     EXPECT_EQ(OCIDateNextDay(err(), &monday, oraText(name),
                              static_cast<ub4>(std::strlen(name)), &out),
               OCI_ERROR);
-    EXPECT_EQ(records_.take(), 1846) << name;
+    EXPECT_EQ(records_.takeRecord(), 1846) << name;
   }
   const OCIDate late = date(2001, 2, 5, 24);
   OCIDateNextDay(err(), &late, oraText("WED"), 3, &out);

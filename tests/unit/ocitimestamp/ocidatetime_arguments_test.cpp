@@ -153,10 +153,11 @@ TEST_F(OciDateTimeArguments, NullsAreToldByTheirNumbers) {
   for (const Row &row : rows) {
     const auto place = &row - rows;
     EXPECT_EQ(row.call(), OCI_ERROR) << place;
-    EXPECT_EQ(records_.take(), 21560) << place;
-    EXPECT_EQ(records_.text, std::string("KESTREL-21560: null, invalid, or out of range "
-                                         "argument ") +
-                                 row.number)
+    EXPECT_EQ(records_.takeRecord(), 21560) << place;
+    EXPECT_EQ(records_.lastMessage,
+              std::string("KESTREL-21560: null, invalid, or out of range "
+                          "argument ") +
+                  row.number)
         << place;
   }
 }
@@ -175,7 +176,7 @@ TEST_F(OciDateTimeArguments, WhatIsNoErrorHandleOrEnvironmentLeavesNoRecord) {
               OCI_INVALID_HANDLE);
     EXPECT_EQ(OCIDateTimeConvert(bad, err(), nullptr, other_), OCI_INVALID_HANDLE);
   }
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
 }
 
 TEST_F(OciDateTimeArguments, WhatIsNoDescriptorIsAnInvalidHandle) {
@@ -185,7 +186,7 @@ TEST_F(OciDateTimeArguments, WhatIsNoDescriptorIsAnInvalidHandle) {
   EXPECT_EQ(OCIDateTimeSubtract(env(), err(), date_, other_,
                                 reinterpret_cast<OCIInterval *>(date_)),
             OCI_INVALID_HANDLE);
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
 }
 
 TEST_F(OciDateTimeArguments, ValuesThatMayNotBeReadAre16384) {
@@ -209,7 +210,7 @@ TEST_F(OciDateTimeArguments, ValuesThatMayNotBeReadAre16384) {
   date_->body->valid = 0;
   for (const Call &reader : readers) {
     EXPECT_EQ(reader(), OCI_ERROR) << &reader - readers;
-    EXPECT_EQ(records_.take(), 16384) << &reader - readers;
+    EXPECT_EQ(records_.takeRecord(), 16384) << &reader - readers;
   }
 }
 
@@ -217,23 +218,23 @@ TEST_F(OciDateTimeArguments, ArithmeticOnWhatMayNotBeReadIs932) {
   for (ub1 *valid : {&date_->body->valid, &other_->body->valid, &span_->body->valid}) {
     *valid = 0;
     EXPECT_EQ(OCIDateTimeIntervalAdd(env(), err(), date_, span_, other_), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 932);
+    EXPECT_EQ(records_.takeRecord(), 932);
     EXPECT_EQ(OCIDateTimeIntervalSub(env(), err(), date_, span_, other_), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 932);
+    EXPECT_EQ(records_.takeRecord(), 932);
     EXPECT_EQ(span_->body->interval.day, 1);
     *valid = 1;
   }
   EXPECT_EQ(OCIDateTimeIntervalAdd(env(), err(), date_, nullptr, other_), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
 }
 
 TEST_F(OciDateTimeArguments, ArraysNeedAReferenceZone) {
   EXPECT_EQ(OCIDateTimeFromArray(env(), err(), bytes_, 7, 187, date_, nullptr, 0),
             OCI_INVALID_HANDLE);
-  EXPECT_EQ(records_.take(), 100);
+  EXPECT_EQ(records_.takeRecord(), 100);
   EXPECT_EQ(OCIDateTimeToArray(env(), err(), date_, nullptr, bytes_, &length_, 0),
             OCI_INVALID_HANDLE);
-  EXPECT_EQ(records_.take(), 100);
+  EXPECT_EQ(records_.takeRecord(), 100);
 }
 
 }  // namespace

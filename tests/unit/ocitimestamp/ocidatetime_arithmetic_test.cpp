@@ -63,7 +63,7 @@ class OciDateTimeArithmetic : public OciDateTime {
 
 TEST_F(OciDateTimeArithmetic, IntervalsAreAddedAsTheCalendarHasThem) {
   OCIDateTime *to = dateTime(OCI_DTYPE_TIMESTAMP);
-  for (int i = samples(20000, 1000000), tested = 0; tested < i;) {
+  for (int i = rounds(20000, 1000000), tested = 0; tested < i;) {
     const sys_seconds at = moment();
     const auto months = static_cast<sb4>(between(-2000, 2000)),
                addedDays = static_cast<sb4>(between(-100000, 100000));
@@ -85,7 +85,7 @@ TEST_F(OciDateTimeArithmetic, IntervalsAreAddedAsTheCalendarHasThem) {
 
 TEST_F(OciDateTimeArithmetic, DifferencesAreDaysAndSeconds) {
   OCIInterval *span = interval(0, 0);
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const sys_seconds a = moment(), b = moment();
     OCIDateTime *first = madeOf(OCI_DTYPE_TIMESTAMP, a),
                 *second = madeOf(OCI_DTYPE_TIMESTAMP, b);
@@ -137,12 +137,12 @@ TEST_F(OciDateTimeArithmetic, SumsOutOfRangeAreToldByTheirPart) {
                             interval(0, std::numeric_limits<sb4>::max()),
                             interval(0, std::numeric_limits<sb4>::min())}) {
     EXPECT_EQ(OCIDateTimeIntervalAdd(env(), err(), from, span, to), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 21560);
+    EXPECT_EQ(records_.takeRecord(), 21560);
   }
   for (const double time : {1e20, -1e20, std::numeric_limits<double>::infinity()}) {
     EXPECT_EQ(OCIDateTimeIntervalAdd(env(), err(), from, interval(0, 0, time), to),
               OCI_ERROR);
-    EXPECT_EQ(records_.take(), 0);
+    EXPECT_EQ(records_.takeRecord(), 0);
   }
   EXPECT_EQ(fields(to), "1999-01-01 00:00:00");
 }
@@ -151,7 +151,7 @@ TEST_F(OciDateTimeArithmetic, NegatingTheLeastIntervalStaysDefined) {
   OCIDateTime *from = made(OCI_DTYPE_TIMESTAMP, 2001, 2, 3);
   OCIInterval *span = interval(std::numeric_limits<sb4>::min(), 0);
   EXPECT_EQ(OCIDateTimeIntervalSub(env(), err(), from, span, from), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 21560);
+  EXPECT_EQ(records_.takeRecord(), 21560);
   EXPECT_EQ(span->body->interval.month, std::numeric_limits<sb4>::min());
 }
 
@@ -169,7 +169,7 @@ TEST_F(OciDateTimeArithmetic, OrderIsThatOfTheCalendarWithMonthsMovedDown) {
 }
 
 TEST_F(OciDateTimeArithmetic, RandomMomentsInTheirOrder) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const sys_seconds a = moment(), b = a + seconds(between(-3000000000, 3000000000));
     const auto isPlainDay = [](sys_seconds at) {
       return unsigned{year_month_day(std::chrono::floor<days>(at)).day()} <= 28;

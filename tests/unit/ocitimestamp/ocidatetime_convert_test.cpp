@@ -98,9 +98,9 @@ TEST_F(OciDateTimeConvert, ZonesAreNamedAndOffset) {
     ub4 length = sizeof name;
     sb1 part = 0;
     EXPECT_EQ(OCIDateTimeGetTimeZoneName(env(), err(), d, name, &length), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 1878);
+    EXPECT_EQ(records_.takeRecord(), 1878);
     EXPECT_EQ(OCIDateTimeGetTimeZoneOffset(env(), err(), d, &part, &part), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 1878);
+    EXPECT_EQ(records_.takeRecord(), 1878);
   }
 }
 
@@ -141,7 +141,7 @@ TEST_F(OciDateTimeConvert, AssignmentIsTheWholeValue) {
 }
 
 TEST_F(OciDateTimeConvert, PartsAreHandedBack) {
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const ub4 type = kTypes[between(0, 3)];
     const int year = static_cast<int>(between(1, 9999)),
               month = static_cast<int>(between(1, 12)),
@@ -212,7 +212,7 @@ TEST_F(OciDateTimeConvert, ZonesAreReadAsFarAsTheyAreOne) {
   for (const char *zone : {"+15:00", "-13:00", "+05:60", "99999999999999999999"}) {
     OCIDateTime *d = dateTime(OCI_DTYPE_TIMESTAMP_LTZ);
     EXPECT_EQ(construct(d, 2001, 2, 3, 4, 5, 6, 0, zone), OCI_ERROR) << zone;
-    EXPECT_EQ(records_.take(), 16384);
+    EXPECT_EQ(records_.takeRecord(), 16384);
     EXPECT_EQ(d->body->tzMinute, 0);
   }
 }
@@ -282,14 +282,14 @@ TEST_F(OciDateTimeConvert, AnArrayOfAnotherTypeIs1866) {
     ASSERT_EQ(OCIDateTimeFromArray(env(), err(), bytes, 13, static_cast<ub1>(type), d,
                                    interval(0, 0), 9),
               OCI_ERROR);
-    ASSERT_EQ(records_.take(), 1866);
+    ASSERT_EQ(records_.takeRecord(), 1866);
   }
 }
 
 TEST_F(OciDateTimeConvert, ArraysOfZonedValuesAreInUtcAndLeadBack) {
   using namespace std::chrono;
   OCIInterval *reference = interval(0, 0);
-  for (int i = 0; i < samples(20000, 1000000); ++i) {
+  for (int i = 0; i < rounds(20000, 1000000); ++i) {
     const auto day = sys_days(January / 1 / 1) + days(between(1, 3652057));
     const year_month_day date(day);
     const auto hour = between(0, 23), minute = between(0, 59), second = between(0, 59);

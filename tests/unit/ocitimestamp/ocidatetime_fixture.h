@@ -68,7 +68,7 @@ class OciDateTime : public testing::Test {
     const sword status = OCIDateTimeToText(
         env(), err(), d, oraText(format),
         static_cast<ub1>(format ? std::strlen(format) : 0), 0, nullptr, 0, &size, text);
-    if (status != OCI_SUCCESS) return "record " + std::to_string(records_.take());
+    if (status != OCI_SUCCESS) return "record " + std::to_string(records_.takeRecord());
     EXPECT_EQ(std::strlen(reinterpret_cast<char *>(text)), size);
     return reinterpret_cast<char *>(text);
   }
@@ -79,7 +79,7 @@ class OciDateTime : public testing::Test {
   }
 
   LocalZone zone_{"UTC"};
-  Records records_;
+  Environment records_;
 };
 
 }  // namespace zevtest

@@ -31,7 +31,7 @@ TEST_F(OciDateTime, PartsOutOfRangeAreToldByTheirNumbers) {
                         0, row.type == kZoned ? "+00:00" : nullptr),
               OCI_ERROR)
         << row.error;
-    EXPECT_EQ(records_.take(), row.error);
+    EXPECT_EQ(records_.takeRecord(), row.error);
     EXPECT_EQ(d->body->valid, 0);
   }
 }
@@ -46,7 +46,7 @@ TEST_F(OciDateTime, PlainDateHasNoTimeFractionOrZone) {
 TEST_F(OciDateTime, ZoneBeyondFourteenHoursIs16384) {
   EXPECT_EQ(construct(dateTime(OCI_DTYPE_TIMESTAMP_TZ), 2001, 2, 3, 4, 5, 6, 0, "+15:00"),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 16384);
+  EXPECT_EQ(records_.takeRecord(), 16384);
 }
 
 TEST_F(OciDateTime, MonthAddedToItsLastDayIsTheNextOnesLastDay) {
@@ -102,7 +102,7 @@ TEST_F(OciDateTime, ArrayWithTooLittleRoomIs1891) {
       const sword status =
           OCIDateTimeToArray(env(), err(), d, interval(0, 0), bytes.get(), &length, 0);
       EXPECT_EQ(status, room < whole ? OCI_ERROR : OCI_SUCCESS) << type << " " << room;
-      EXPECT_EQ(records_.take(), room < whole ? 1891 : 0);
+      EXPECT_EQ(records_.takeRecord(), room < whole ? 1891 : 0);
     }
   }
 }
@@ -113,7 +113,7 @@ TEST_F(OciDateTime, TimeOfAPlainDateIs1878AndZeros) {
   ub4 fraction = 9;
   EXPECT_EQ(OCIDateTimeGetTime(env(), err(), d, &hour, &minute, &second, &fraction),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 1878);
+  EXPECT_EQ(records_.takeRecord(), 1878);
   EXPECT_EQ(hour + minute + second, 0);
   EXPECT_EQ(fraction, 0u);
 }
@@ -123,7 +123,7 @@ TEST_F(OciDateTime, ZoneNameNeedsSevenBytes) {
   ub1 name[8];
   ub4 length = 6;
   EXPECT_EQ(OCIDateTimeGetTimeZoneName(env(), err(), d, name, &length), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
   length = 7;
   EXPECT_EQ(OCIDateTimeGetTimeZoneName(env(), err(), d, name, &length), OCI_SUCCESS);
   EXPECT_EQ(length, 6u);
@@ -142,7 +142,7 @@ TEST_F(OciDateTime, TextIsReadBack) {
     const char *format = type == OCI_DTYPE_DATE ? "YYYY-MM-DD" : "YYYY-MM-DD HH24:MI:SS";
     const std::string text =
         type == OCI_DTYPE_DATE ? "2001-02-03" : "2001-02-03 04:05:06";
-    ASSERT_EQ(fromText(d, text, format), OCI_SUCCESS) << records_.take();
+    ASSERT_EQ(fromText(d, text, format), OCI_SUCCESS) << records_.takeRecord();
     EXPECT_EQ(toText(d, format), text);
   }
 }
@@ -151,10 +151,10 @@ TEST_F(OciDateTime, DescriptorsOfTwoTypesAreNotAssignedOrCompared) {
   const OCIDateTime *date = made(OCI_DTYPE_DATE, 2001, 2, 3);
   OCIDateTime *timestamp = made(OCI_DTYPE_TIMESTAMP, 2001, 2, 3);
   EXPECT_EQ(OCIDateTimeAssign(env(), err(), date, timestamp), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
   sword result = 0;
   EXPECT_EQ(OCIDateTimeCompare(env(), err(), date, timestamp, &result), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 1870);
+  EXPECT_EQ(records_.takeRecord(), 1870);
 }
 
 }  // namespace

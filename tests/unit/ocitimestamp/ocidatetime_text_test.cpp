@@ -9,7 +9,7 @@ class OciDateTimeText : public OciDateTime {
   std::string read(ub4 type, const std::string &text, const char *format = nullptr) {
     OCIDateTime *d = dateTime(type);
     if (fromText(d, text, format) != OCI_SUCCESS)
-      return "record " + std::to_string(records_.take());
+      return "record " + std::to_string(records_.takeRecord());
     char shown[96];
     std::snprintf(shown, sizeof shown, "%s.%u %d:%d", fields(d).c_str(),
                   unsigned{d->body->fraction[2]} * 256u + d->body->fraction[3],
@@ -116,12 +116,12 @@ TEST_F(OciDateTimeText, LongTextsAndFormats) {
   EXPECT_EQ(OCIDateTimeFromText(env(), err(), oraText(text.c_str()), text.size(),
                                 oraText(format.c_str()), 255, nullptr, 0, d),
             OCI_ERROR);
-  EXPECT_NE(records_.take(), 0);
+  EXPECT_NE(records_.takeRecord(), 0);
   const std::string longLiteral = '"' + std::string(254, 'x');
   EXPECT_EQ(OCIDateTimeFromText(env(), err(), oraText(text.c_str()), text.size(),
                                 oraText(longLiteral.c_str()), 255, nullptr, 0, d),
             OCI_ERROR);
-  EXPECT_NE(records_.take(), 0);
+  EXPECT_NE(records_.takeRecord(), 0);
 }
 
 TEST_F(OciDateTimeText, RandomValuesLeadThroughTextAndBack) {
@@ -131,7 +131,7 @@ TEST_F(OciDateTimeText, RandomValuesLeadThroughTextAndBack) {
   };
   for (const char *zoneOfProcess : {"UTC", "IST-5:30"}) {
     const LocalZone zone(zoneOfProcess);
-    for (int i = 0; i < samples(5000, 300000); ++i) {
+    for (int i = 0; i < rounds(5000, 300000); ++i) {
       const ub4 type = kTypes[between(0, 3)];
       char zoneText[16];
       std::snprintf(zoneText, sizeof zoneText, "%c%02d:%02d", between(0, 1) ? '+' : '-',
@@ -149,7 +149,8 @@ TEST_F(OciDateTimeText, RandomValuesLeadThroughTextAndBack) {
                                      : "J SSSSS";
       OCIDateTime *back = dateTime(type);
       const std::string text = toText(d, format);
-      ASSERT_EQ(fromText(back, text, format), OCI_SUCCESS) << text << records_.take();
+      ASSERT_EQ(fromText(back, text, format), OCI_SUCCESS)
+          << text << records_.takeRecord();
       ASSERT_EQ(fields(back), fields(d)) << text;
       if (isZoned) {
         ASSERT_EQ(back->body->tzHour, d->body->tzHour) << text;

@@ -41,7 +41,7 @@ class OciInterval : public OciDateTime {
     std::size_t length = 77;
     if (OCIIntervalToText(nullptr, err(), of, 2, 3, text, sizeof text, &length) !=
         OCI_SUCCESS)
-      return "record " + std::to_string(records_.take());
+      return "record " + std::to_string(records_.takeRecord());
     EXPECT_EQ(length, 77u) << "not written";
     return reinterpret_cast<char *>(text);
   }
@@ -49,7 +49,7 @@ class OciInterval : public OciDateTime {
     OCIInterval *to = empty(type);
     if (OCIIntervalFromText(env(), err(), oraText(text), std::strlen(text), to) !=
         OCI_SUCCESS)
-      return "record " + std::to_string(records_.take());
+      return "record " + std::to_string(records_.takeRecord());
     return shown(to);
   }
   OCINumber number(double value) {
@@ -91,12 +91,12 @@ TEST_F(OciInterval, OnlyIntervalsOfOneKindAreComputedWith) {
   OCIInterval *days = daySecond(1), *months = yearMonth(1, 1);
   for (const auto function : {OCIIntervalAdd, OCIIntervalSubtract}) {
     EXPECT_EQ(function(env(), err(), days, months, days), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 932);
+    EXPECT_EQ(records_.takeRecord(), 932);
     EXPECT_EQ(function(env(), err(), days, days, months), OCI_ERROR);
-    EXPECT_EQ(records_.take(), 932);
+    EXPECT_EQ(records_.takeRecord(), 932);
   }
   EXPECT_EQ(OCIIntervalAssign(env(), err(), days, months), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
   OCIInterval *copy = empty(kDaySecond);
   ASSERT_EQ(OCIIntervalAssign(env(), err(), days, copy), OCI_SUCCESS);
   EXPECT_EQ(shown(copy), shown(days));
@@ -126,7 +126,7 @@ TEST_F(OciInterval, ProductsAndQuotients) {
             OCI_SUCCESS);
   EXPECT_EQ(shown(result), "0 months 15 days 0");
   EXPECT_EQ(OCIIntervalDivide(nullptr, err(), daySecond(3), &none, result), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
   EXPECT_EQ(shown(result), "0 months 15 days 0") << "left alone";
   OCINumber bad = {{3, 0xC1, 2, 102}};
   EXPECT_EQ(OCIIntervalMultiply(nullptr, err(), daySecond(3), &bad, result), OCI_ERROR);
@@ -144,7 +144,7 @@ TEST_F(OciInterval, RandomProductsHaveTheLengthOfTheirFactors) {
     return (i.month * 30.0 + i.day) * 86400 + i.time;
   };
   OCIInterval *result = empty(kDaySecond);
-  for (int i = 0; i < samples(5000, 200000); ++i) {
+  for (int i = 0; i < rounds(5000, 200000); ++i) {
     OCIInterval *from =
         interval(between(-100, 100), between(-1000, 1000), between(-80000, 80000));
     OCINumber factor = number(between(-10000, 10000) / 128.0);
@@ -214,10 +214,10 @@ TEST_F(OciInterval, ZonesAsIntervals) {
   }
   OCIInterval *to = empty(kDaySecond);
   EXPECT_EQ(OCIIntervalFromTZ(env(), err(), oraText("+15:00"), 6, to), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 16384);
+  EXPECT_EQ(records_.takeRecord(), 16384);
   EXPECT_EQ(OCIIntervalFromTZ(env(), err(), oraText("+05:30"), 6, yearMonth(0, 0)),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
 }
 
 TEST_F(OciInterval, PartsThereAndBack) {
@@ -238,16 +238,16 @@ TEST_F(OciInterval, PartsThereAndBack) {
   EXPECT_EQ(month, -5);
   EXPECT_EQ(OCIIntervalGetYearMonth(env(), err(), &year, &month, daySecond(1)),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
   EXPECT_EQ(OCIIntervalGetDaySecond(env(), err(), &day, &hour, &minute, &second, &fsec,
                                     yearMonth(1, 1)),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
   EXPECT_EQ(OCIIntervalSetDaySecond(env(), err(), 1, 1, 1, 1, 1, yearMonth(1, 1)),
             OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
   EXPECT_EQ(OCIIntervalSetYearMonth(env(), err(), 1, 1, daySecond(1)), OCI_ERROR);
-  EXPECT_EQ(records_.take(), 932);
+  EXPECT_EQ(records_.takeRecord(), 932);
 }
 
 TEST_F(OciInterval, PartsOutOfRangeAreChecked) {
@@ -369,8 +369,9 @@ TEST_F(OciInterval, NullsAreToldByTheirNumbers) {
   for (const Row &row : rows) {
     const auto place = &row - rows;
     EXPECT_EQ(row.call(), OCI_ERROR) << place;
-    EXPECT_EQ(records_.take(), 21560) << place;
-    EXPECT_TRUE(records_.text.ends_with(std::string("argument ") + row.number)) << place;
+    EXPECT_EQ(records_.takeRecord(), 21560) << place;
+    EXPECT_TRUE(records_.lastMessage.ends_with(std::string("argument ") + row.number))
+        << place;
   }
 }
 
@@ -397,7 +398,7 @@ TEST_F(OciInterval, ValuesThatWereNotSetAre932) {
   };
   for (const Call &call : calls) {
     EXPECT_EQ(call(), OCI_ERROR) << &call - calls;
-    EXPECT_EQ(records_.take(), 932) << &call - calls;
+    EXPECT_EQ(records_.takeRecord(), 932) << &call - calls;
   }
 }
 
@@ -409,7 +410,7 @@ TEST_F(OciInterval, WhatIsNoHandleLeavesNoRecord) {
   auto *const bad = reinterpret_cast<OCIInterval *>(dateTime(OCI_DTYPE_TIMESTAMP));
   EXPECT_EQ(OCIIntervalAdd(env(), err(), a, bad, a), OCI_INVALID_HANDLE);
   EXPECT_EQ(OCIIntervalAdd(env(), err(), a, a, nullptr), OCI_INVALID_HANDLE);
-  EXPECT_EQ(records_.take(), 0);
+  EXPECT_EQ(records_.takeRecord(), 0);
 }
 
 TEST_F(OciInterval, SumsBeyondTheirRangeWrap) {

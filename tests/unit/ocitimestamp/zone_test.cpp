@@ -76,7 +76,7 @@ TEST(LocalTimeZone, IsTheSystemsInFiftyZones) {
   for (const char *name : kZones) {
     const LocalZone zone(name);
     int wrong = 0;
-    for (int i = samples(400, 20'000); i > 0 && wrong < 3; --i) {
+    for (int i = rounds(400, 20'000); i > 0 && wrong < 3; --i) {
       const std::time_t time = times(random);
       const std::tm system = systemAt(time);
       PGtm tm = fieldsOf(system);
@@ -160,7 +160,7 @@ TEST(ZoneString, RandomRulesAreTheSystems) {
                std::to_string(pick(0, 6)) + time;
     }
   };
-  for (int i = samples(100, 5000); i > 0; --i) {
+  for (int i = rounds(100, 5000); i > 0; --i) {
     const bool isSouthern = pick(0, 1);
     const std::string first = rule(pick(2, 5)), second = rule(pick(8, 10));
     const std::string text = "STD" + std::to_string(pick(-12, 14)) + ":" +

@@ -11,14 +11,13 @@
 #include <vector>
 
 #include "core/owned.h"
-#include "zevoci/errors.h"
+#include "tests/support/environment.h"
+#include "tests/support/random_inputs.h"
 #include "zevoci/statement.h"
 
 namespace zevtest {
 
 using namespace std::string_literals;
-
-constexpr int kNoRecord = 0;
 
 inline const OraText *oraText(const std::string &text) {
   return reinterpret_cast<const OraText *>(text.c_str());
@@ -31,33 +30,17 @@ inline std::string utf16(const std::string &ascii) {
   return wide;
 }
 
-/// An environment with an error handle and a statement; no server is behind them.
-class Session {
- public:
-  explicit Session(ub4 mode = OCI_DEFAULT);
-  ~Session() { OCIHandleFree(env, OCI_HTYPE_ENV); }
-  Session(const Session &) = delete;
-  Session &operator=(const Session &) = delete;
+/// An environment with a statement.
+struct Session : Environment {
+  explicit Session(ub4 mode = OCI_DEFAULT)
+      : Environment(mode), stmt(make<OCIStmt>(OCI_HTYPE_STMT)) {}
 
-  /// A new handle below the environment.
-  template <class T>
-  T *make(ub4 type) {
-    void *handle = nullptr;
-    EXPECT_EQ(OCIHandleAlloc(env, &handle, type, 0, nullptr), OCI_SUCCESS);
-    return static_cast<T *>(handle);
-  }
   sword prepare(const std::string &text) {
     return OCIStmtPrepare(stmt, errhp, oraText(text), static_cast<ub4>(text.size()),
                           OCI_NTV_SYNTAX, OCI_DEFAULT);
   }
-  /// The code of the last record, kNoRecord for none, with its text in `lastMessage`;
-  /// forgets all records.
-  int takeRecord();
 
-  OCIEnv *env = nullptr;
-  OCIError *errhp = nullptr;
-  OCIStmt *stmt = nullptr;
-  std::string lastMessage;
+  OCIStmt *stmt;
 };
 
 /// A list of binds of these names, in order, outside any statement.
@@ -79,9 +62,6 @@ class NamedBinds {
   std::vector<OCIBind> binds_;
   List *list_ = nullptr;
 };
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-std::mt19937_64 generator();
 
 /// Up to `most` bytes of `alphabet`.
 std::string randomText(std::mt19937_64 &random, const std::string &alphabet,

@@ -7,53 +7,27 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "tests/support/environment.h"
+#include "tests/support/random_inputs.h"
 #include "types/bytes.h"
 #include "types/converters.h"
 #include "types/server_types.h"
-#include "zevoci/errors.h"
 
 namespace zevtest {
 
 using namespace std::string_literals;
 
-constexpr int kNoRecord = 0;
 /// In place of an indicator's value: the case passes no indicator.
 constexpr int kNoIndicator = 100000;
 
-/// An environment with an error handle.
-class Session {
- public:
-  explicit Session(ub4 mode = OCI_DEFAULT) {
-    EXPECT_EQ(OCIEnvCreate(&env, mode, nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-              OCI_SUCCESS);
-    void *handle = nullptr;
-    EXPECT_EQ(OCIHandleAlloc(env, &handle, OCI_HTYPE_ERROR, 0, nullptr), OCI_SUCCESS);
-    errhp = static_cast<OCIError *>(handle);
+/// An environment in which empty text and NULL are the same.
+struct Session : Environment {
+  explicit Session(ub4 mode = OCI_DEFAULT) : Environment(mode) {
     env->oracleVarchars = 1;
   }
-  ~Session() { OCIHandleFree(env, OCI_HTYPE_ENV); }
-  Session(const Session &) = delete;
-  Session &operator=(const Session &) = delete;
-
-  /// The code of the last record, kNoRecord for none; forgets all records.
-  int takeRecord() {
-    int code = kNoRecord;
-    lastMessage.clear();
-    for (const ErrorRecord *r : zev::Elements<ErrorRecord>(errhp->records)) {
-      code = r->errcode;
-      if ((r->content & kHasMsg) && r->msg) lastMessage = r->msg;
-    }
-    ClearErrorHandle(errhp);
-    return code;
-  }
-
-  OCIEnv *env = nullptr;
-  OCIError *errhp = nullptr;
-  std::string lastMessage;
 };
 
 /// The native bytes of a value.
@@ -98,16 +72,6 @@ std::string hex(const std::string &bytes);
 
 /// The binary form of a numeric in text.
 std::string wireNumeric(const std::string &number);
-
-/// A generator whose seed is printed, and taken from ZEVOCI_TEST_SEED where that is set.
-inline std::mt19937_64 generator() {
-  const char *given = std::getenv("ZEVOCI_TEST_SEED");
-  const std::uint64_t run =
-      given ? std::strtoull(given, nullptr, 10) : std::random_device{}();
-  const auto *info = testing::UnitTest::GetInstance()->current_test_info();
-  std::printf("ZEVOCI_TEST_SEED=%llu\n", static_cast<unsigned long long>(run));
-  return std::mt19937_64(run ^ std::hash<std::string>{}(info->name()));
-}
 
 /// One fetch of a field. `bytes` is the whole target afterwards, "~" where nothing was
 /// written, and longer than `cap` for the members that write behind it.
