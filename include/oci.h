@@ -68,6 +68,17 @@ typedef sb4 (*OCICallbackAQDeq)(void *ctxp, void **payload, void **payload_ind);
 typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4 fo_type,
                                    ub4 fo_event);
 
+/* Value of OCI_ATTR_FOCBK: the failover callback and its context. */
+typedef struct OCIFocbkStruct {
+  OCICallbackFailover callback_function;
+  void *fo_ctx;
+} OCIFocbkStruct;
+
+/* Given the payload of a notification, payload_len bytes at payload, for a subscription.
+ */
+typedef ub4 (*OCISubscriptionNotify)(void *ctx, OCISubscription *subscrhp, void *payload,
+                                     ub4 payload_len, void *desc, ub4 mode);
+
 /* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after
    (OCI_UCBTYPE_EXIT) the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that
    call's arguments, returnCode what it has come to so far. Must return OCI_CONTINUE, or

@@ -25,6 +25,7 @@ typedef struct OCICPool OCICPool;                 /* connection pool */
 typedef struct OCIAdmin OCIAdmin;                 /* parameters of a database startup */
 typedef struct OCISubscription OCISubscription;   /* notification subscription */
 typedef struct OCIComplexObject OCIComplexObject; /* complex object retrieval */
+typedef struct OCISecurity OCISecurity;           /* wallets and certificates */
 typedef struct OCIDirPathCtx OCIDirPathCtx;       /* direct path load */
 typedef struct OCIDirPathColArray OCIDirPathColArray; /* its columns */
 typedef struct OCIDirPathStream OCIDirPathStream;     /* its stream */
@@ -47,7 +48,8 @@ typedef struct OCIAQAgent OCIAQAgent;                 /* queue: sender or recipi
 typedef struct OCIAQListenOpts OCIAQListenOpts;       /* queue: how to listen */
 typedef struct OCIAQLisMsgProps OCIAQLisMsgProps;     /* queue: what was heard */
 typedef struct OCIVector OCIVector;                   /* vector of numbers */
-typedef struct OCIUcb OCIUcb;                         /* user callback */
+typedef struct OCIComplexObjectComp OCIComplexObjectComp; /* its part */
+typedef struct OCIUcb OCIUcb;                             /* user callback */
 
 /* Threads. */
 typedef struct OCIThreadId OCIThreadId;         /* identity of a thread */

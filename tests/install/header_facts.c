@@ -1160,6 +1160,11 @@ SIZE(sb8, 8); SIGNED(sb8);
 SIZE(oraub8, 8); UNSIGNED(oraub8);
 SIZE(orasb8, 8); SIGNED(orasb8);
 SIZE(ubig_ora, 8); UNSIGNED(ubig_ora);
+SIZE(sbig_ora, 8); SIGNED(sbig_ora);
+SIZE(eb1, 1);
+SIZE(eb2, 2);
+SIZE(eb4, 4);
+SIZE(utext, 2); UNSIGNED(utext);
 SIZE(sword, 4); SIGNED(sword);
 SIZE(uword, 4); UNSIGNED(uword);
 SIZE(eword, 4); SIGNED(eword);
@@ -1175,6 +1180,7 @@ SIZE(OCIObjectPropId, 1); UNSIGNED(OCIObjectPropId);
 SIZE(OCIPinOpt, 4);
 SIZE(OCILockOpt, 4);
 SIZE(OCITypeGetOpt, 4);
+SIZE(OCIRefreshOpt, 4);
 _Static_assert(_Generic((sword)0, int: 1, default: 0), "sword is int");
 _Static_assert(_Generic((uword)0, unsigned: 1, default: 0), "uword is unsigned int");
 _Static_assert(_Generic((OraText)0, unsigned char: 1, default: 0), "OraText is unsigned char");
@@ -1195,6 +1201,10 @@ FIELD(OCIDate, OCIDateYYYY, 0, 2);
 FIELD(OCIDate, OCIDateMM, 2, 1);
 FIELD(OCIDate, OCIDateDD, 3, 1);
 FIELD(OCIDate, OCIDateTime, 4, 3);
+
+SIZE(OCIFocbkStruct, 16);
+FIELD(OCIFocbkStruct, callback_function, 0, 8);
+FIELD(OCIFocbkStruct, fo_ctx, 8, 8);
 
 SIZE(XID, 152);
 FIELD(XID, formatID, 0, 8);
@@ -1847,6 +1857,8 @@ CALLBACK(sb4, OCICallbackAQDeq,
          (void *, void **, void **));
 CALLBACK(sb4, OCICallbackFailover,
          (void *, void *, void *, ub4, ub4));
+CALLBACK(ub4, OCISubscriptionNotify,
+         (void *, OCISubscription *, void *, ub4, void *, ub4));
 CALLBACK(sword, OCIUserCallback,
          (void *, void *, ub4, ub4, ub4, sword, sb4 *, va_list));
 CALLBACK(void, OCIThreadKeyDestFunc,
