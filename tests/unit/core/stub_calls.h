@@ -3,9 +3,10 @@
 
 #include <oci.h>
 #include <ocixmldb.h>
+#include <sys/mman.h>
 
 #include <algorithm>
-#include <array>
+#include <span>
 #include <type_traits>
 
 #include "core_fixture.h"
@@ -13,6 +14,28 @@
 namespace zev::test {
 
 inline constexpr const char *kGoOn = "ZEV_OCI_UIFCTN_RET_OK";
+
+/// Zeroed memory that a process shares with its children: what they write there is seen.
+class SharedBlock {
+ public:
+  static constexpr std::size_t kSize = 4096;
+
+  SharedBlock()
+      : memory_(mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                     -1, 0)) {
+    EXPECT_NE(memory_, MAP_FAILED);
+  }
+  ~SharedBlock() { munmap(memory_, kSize); }
+  SharedBlock(const SharedBlock &) = delete;
+  SharedBlock &operator=(const SharedBlock &) = delete;
+
+  std::span<unsigned char> bytes() const {
+    return {static_cast<unsigned char *>(memory_), kSize};
+  }
+
+ private:
+  void *memory_;
+};
 
 /// Values for the parameters of any function: handles where they are asked for, and for
 /// each other pointer a block whose bytes are looked at afterwards.
@@ -42,13 +65,13 @@ class Arguments {
       return defnp_;
     } else if constexpr (std::is_pointer_v<T> &&
                          !std::is_function_v<std::remove_pointer_t<T>>) {
-      return static_cast<T>(static_cast<void *>(block_.data()));
+      return static_cast<T>(static_cast<void *>(block_.bytes().data()));
     } else {
       return T{};
     }
   }
   bool areUntouched() const {
-    return std::ranges::all_of(block_, [](unsigned char c) { return c == 0; });
+    return std::ranges::all_of(block_.bytes(), [](unsigned char c) { return c == 0; });
   }
 
  private:
@@ -57,7 +80,7 @@ class Arguments {
   OCIStmt *stmtp_;
   OCIBind *bindp_;
   OCIDefine *defnp_;
-  alignas(16) std::array<unsigned char, 512> block_ = {};
+  SharedBlock block_;
 };
 
 template <class Result, class... Parameters>

@@ -61,6 +61,7 @@ TEST_P(StubDeathTest, EndsTheProcessAndNamesItself) {
   EXPECT_EXIT(stub.call(arguments_), testing::ExitedWithCode(1),
               std::string("^UNIMPLEMENTED FUNCTION CALL ") + stub.name +
                   " IN FILE [^ ]*core/surface/[a-z]+.def AT LINE [0-9]+\n$");
+  EXPECT_TRUE(arguments_.areUntouched());
 }
 
 TEST_P(StubTest, GoesOnWithTheOperatorsLeave) {
