@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <sstream>
 
 #include "report.h"
 
@@ -75,9 +76,10 @@ class Uses {
 std::string contentsOf(const std::filesystem::path &path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw BadElf("cannot be opened");
-  std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
   if (in.bad()) throw BadElf("cannot be read");
-  return bytes;
+  return std::move(bytes).str();
 }
 
 bool beginsAsElf(const std::filesystem::path &path) {

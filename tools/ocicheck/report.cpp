@@ -50,6 +50,11 @@ void printFile(std::ostream &out, const FileReport &report) {
   if (report.uses.empty()) out << "  uses no function of the interface\n";
 }
 
+/// Whether there is something to say about a file among many.
+bool concernsUs(const FileReport &report) {
+  return !report.uses.empty() || !report.libraries.empty() || !report.error.empty();
+}
+
 std::string verdictText(const std::vector<FileReport> &reports) {
   const auto many = [&reports](Fate fate, const char *one, const char *several) {
     const std::size_t n = count(reports, fate);
@@ -144,7 +149,18 @@ void printJsonFile(std::ostream &out, const FileReport &report) {
 }  // namespace
 
 void printTable(std::ostream &out, const std::vector<FileReport> &reports) {
-  for (const FileReport &report : reports) printFile(out, report);
+  std::size_t others = 0;
+  for (const FileReport &report : reports) {
+    if (reports.size() == 1 || concernsUs(report)) {
+      printFile(out, report);
+    } else {
+      ++others;
+    }
+  }
+  if (others) {
+    out << others << (others == 1 ? " file uses" : " files use")
+        << " no function of the interface\n";
+  }
   out << "\nVerdict: " << verdictText(reports) << ".\n";
   if (count(reports, Fate::Stops)) {
     out << "Set ZEV_OCI_UIFCTN_RET_OK to let a program go on behind a function that "

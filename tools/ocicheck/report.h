@@ -44,7 +44,8 @@ std::vector<FileReport> check(const std::filesystem::path &path);
 
 Verdict verdictOf(const std::vector<FileReport> &reports);
 
-/// The report as a table, which ends with the verdict in words.
+/// The report as a table, which ends with the verdict in words. Of several files those
+/// that use nothing are counted, not listed.
 void printTable(std::ostream &out, const std::vector<FileReport> &reports);
 
 /// The report as one JSON object (RFC 8259).

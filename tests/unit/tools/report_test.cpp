@@ -104,6 +104,24 @@ TEST(Reports, AreATable) {
       "process; it then returns OCI_SUCCESS and has done nothing.\n");
 }
 
+TEST(Reports, CountTheFilesThatUseNothing) {
+  const FileReport nothing = judged({.imported = {"printf"}});
+  std::ostringstream one, several;
+  printTable(one, {nothing});
+  EXPECT_EQ(one.str(),
+            "program (64-bit little-endian shared object or executable)\n"
+            "  uses no function of the interface\n"
+            "\n"
+            "Verdict: no function of the interface is used.\n");
+  printTable(several, {nothing, judged({.imported = {"OCIPing"}}), nothing});
+  EXPECT_EQ(several.str(),
+            "program (64-bit little-endian shared object or executable)\n"
+            "  works              imported OCIPing\n"
+            "2 files use no function of the interface\n"
+            "\n"
+            "Verdict: every function works (1 works).\n");
+}
+
 TEST(Reports, AreOneJsonObject) {
   FileReport bad;
   bad.path = "a\"b\\c\n\xff\xc3\xa9";
