@@ -1,7 +1,7 @@
 # Installation: the library, the public headers, pkg-config file and CMake package.
 include(CMakePackageConfigHelpers)
 
-set(public_headers oci.h ocidfn.h oci1.h ociapr.h oratypes.h oro.h nzt.h xa.h)
+set(public_headers oci.h ocidfn.h oci1.h ociapr.h oratypes.h oro.h nzt.h)
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/include/)
 foreach(header IN LISTS surface_headers)
   list(APPEND public_headers ${PROJECT_BINARY_DIR}/include/${header}.h)

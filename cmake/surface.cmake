@@ -10,7 +10,8 @@ set(surface_ori object)
 set(surface_ort type)
 set(surface_ociextp extproc)
 set(surface_ocixmldb xmldb)
-set(surface_headers ociap orl ori ort ociextp ocixmldb)
+set(surface_xa xa)
+set(surface_headers ociap orl ori ort ociextp ocixmldb xa)
 
 set(surface_width 89)
 # They stand for what would be taken for a list's own punctuation.

@@ -12,6 +12,7 @@
 #include "zevoci/statement.h"
 #include "zevoci/threads.h"
 #include "zevoci/trace.h"
+#include "zevoci/user_callbacks.h"
 
 namespace {
 
@@ -199,6 +200,7 @@ ZEV_API sword OCIEnvInit(OCIEnv **envhpp, ub4 mode, size_t xtramemsz, void **usr
   if (static_cast<sb4>(xtramemsz) > 0 && !zev::giveUserMemory(env, xtramemsz, usrmempp)) {
     return discardEnv(envhpp);
   }
+  o2pLoadUCBs(env);
   SetNlsMessagesPath();
   if (!(mode & OCI_UTF16) && !zev::settleEncoding(env, 0)) return discardEnv(envhpp);
 

@@ -79,12 +79,18 @@ typedef struct OCIFocbkStruct {
 typedef ub4 (*OCISubscriptionNotify)(void *ctx, OCISubscription *subscrhp, void *payload,
                                      ub4 payload_len, void *desc, ub4 mode);
 
-/* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after
-   (OCI_UCBTYPE_EXIT) the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that
-   call's arguments, returnCode what it has come to so far. Must return OCI_CONTINUE, or
-   as a replacement the status of the call. */
+/* Runs before (OCI_UCBTYPE_ENTRY), beside (OCI_UCBTYPE_REPLACE) or after
+   (OCI_UCBTYPE_EXIT) the call that it was registered for; arglist holds that call's
+   arguments, hndlp and type what was given at registration. fcode, when and returnCode
+   are 13, 1 and 0 whatever the call is. OCI_CONTINUE leaves the status of the call as it
+   is, any other result becomes it; the call's own work is done in either case. */
 typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
                                  sword returnCode, sb4 *errnop, va_list arglist);
+
+/* A package's own start on a new environment: registers its callbacks there. The other
+   arguments are 0. */
+typedef sword (*OCIEnvCallbackType)(OCIEnv *env, ub4 mode, size_t xtramem_sz,
+                                    void *usrmemp, OCIUcb *ucbDesc);
 
 /* clang-format off */
 /* Return codes. */

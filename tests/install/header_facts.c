@@ -1747,6 +1747,14 @@ FUNCTION(sword, OCITableNext, (OCIEnv *, OCIError *, sb4, const OCITable *, sb4 
 FUNCTION(sword, OCITablePrev, (OCIEnv *, OCIError *, sb4, const OCITable *, sb4 *,
          boolean *));
 FUNCTION(sword, OCITableSize, (OCIEnv *, OCIError *, const OCITable *, sb4 *));
+FUNCTION(sword, OCIUserCallbackRegister,
+         (void *, ub4, void *, OCIUserCallback, void *, ub4, ub4, OCIUcb *));
+FUNCTION(sword, OCIUserCallbackGet,
+         (void *, ub4, void *, ub4, ub4, OCIUserCallback *, void **, OCIUcb *));
+FUNCTION(sword, OCISharedLibInit,
+         (void *, void *, ub4, sb4, void **, OCIEnvCallbackType));
+FUNCTION(OCIEnv *, xaoEnv, (OraText *));
+FUNCTION(OCISvcCtx *, xaoSvcCtx, (OraText *));
 FUNCTION(sword, OCITerminate, (ub4));
 FUNCTION(sword, OCIThreadClose, (void *, OCIError *, OCIThreadHandle *));
 FUNCTION(sword, OCIThreadCreate, (void *, OCIError *, void (*)(void *), void *, OCIThreadId
@@ -1861,6 +1869,7 @@ CALLBACK(ub4, OCISubscriptionNotify,
          (void *, OCISubscription *, void *, ub4, void *, ub4));
 CALLBACK(sword, OCIUserCallback,
          (void *, void *, ub4, ub4, ub4, sword, sb4 *, va_list));
+CALLBACK(sword, OCIEnvCallbackType, (OCIEnv *, ub4, size_t, void *, OCIUcb *));
 CALLBACK(void, OCIThreadKeyDestFunc,
          (void *));
 /* clang-format on */
