@@ -119,6 +119,7 @@ void Free_OCIEnv(OCIEnv *env) {
   list_free(env->sessionPools);
   zev::freeListAndMembers(env->spareList);
   zev::freeListAndMembers(env->contextValues);
+  zev::freeListAndMembers(env->descriptorArrays);
   FreeMemFromEnvCache(env);
   if (env->utf16) {
     iconv_close(env->toUtf8);

@@ -175,6 +175,26 @@ TEST_P(ExhaustedMemory, AHandleIsAllocatedWithItsUserMemoryOrNotAtAll) {
   }
 }
 
+TEST_P(ExhaustedMemory, AnArrayOfDescriptorsIsMadeWholeOrNotAtAll) {
+  Environment env;
+  const ub4 before = list_length(env.get()->children);
+  void *made[3] = {};
+  void *memory = nullptr;
+  exhaust(
+      [&] {
+        return OCIArrayDescriptorAlloc(env.get(), made, OCI_DTYPE_TIMESTAMP, 3, 8,
+                                       &memory);
+      },
+      [&](sword status) {
+        expectOutOfMemory(status, env.get()->errh);
+        for (const void *descriptor : made) EXPECT_EQ(descriptor, nullptr);
+        EXPECT_EQ(list_length(env.get()->children), before);
+        EXPECT_EQ(list_length(env.get()->descriptorArrays), 0u);
+      });
+  EXPECT_EQ(list_length(env.get()->children), before + 3);
+  EXPECT_EQ(OCIArrayDescriptorFree(made, OCI_DTYPE_TIMESTAMP), OCI_SUCCESS);
+}
+
 TEST_P(ExhaustedMemory, AServerIsAttachedToItsAddressOrNotAtAll) {
   struct Target {
     ub4 mode;
