@@ -1,9 +1,11 @@
 # Installation: the library, the public headers, pkg-config file and CMake package.
 include(CMakePackageConfigHelpers)
 
-set(public_headers
-  oci.h ocidfn.h ociap.h oci1.h ociapr.h oratypes.h orl.h ort.h oro.h ori.h nzt.h xa.h)
+set(public_headers oci.h ocidfn.h oci1.h ociapr.h oratypes.h oro.h nzt.h)
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/include/)
+foreach(header IN LISTS surface_headers)
+  list(APPEND public_headers ${PROJECT_BINARY_DIR}/include/${header}.h)
+endforeach()
 
 set_target_properties(zevoci PROPERTIES EXPORT_NAME oci)
 install(TARGETS zevoci EXPORT zevociTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -23,3 +25,5 @@ write_basic_package_version_file(zevociConfigVersion.cmake COMPATIBILITY SameMaj
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zevociConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/zevociConfigVersion.cmake DESTINATION ${package_dir})
 install(EXPORT zevociTargets NAMESPACE zevoci:: DESTINATION ${package_dir})
+
+include(cmake/dropin.cmake)

@@ -12,6 +12,7 @@
 #include "zevoci/statement.h"
 #include "zevoci/threads.h"
 #include "zevoci/trace.h"
+#include "zevoci/user_callbacks.h"
 
 namespace {
 
@@ -118,6 +119,7 @@ void Free_OCIEnv(OCIEnv *env) {
   list_free(env->sessionPools);
   zev::freeListAndMembers(env->spareList);
   zev::freeListAndMembers(env->contextValues);
+  zev::freeListAndMembers(env->descriptorArrays);
   FreeMemFromEnvCache(env);
   if (env->utf16) {
     iconv_close(env->toUtf8);
@@ -198,6 +200,7 @@ ZEV_API sword OCIEnvInit(OCIEnv **envhpp, ub4 mode, size_t xtramemsz, void **usr
   if (static_cast<sb4>(xtramemsz) > 0 && !zev::giveUserMemory(env, xtramemsz, usrmempp)) {
     return discardEnv(envhpp);
   }
+  o2pLoadUCBs(env);
   SetNlsMessagesPath();
   if (!(mode & OCI_UTF16) && !zev::settleEncoding(env, 0)) return discardEnv(envhpp);
 

@@ -1,7 +1,8 @@
-/// The published functions that do nothing. Unless the operator allows them, a program
-/// that reaches one is ended with a line that names it, before any output argument is
-/// touched: going on with wrong results would be worse.
-#include <ociap.h>
+/// The published functions that do nothing. Some end the process with a line that names
+/// them, before any output argument is touched, unless the operator lets them go on:
+/// going on with wrong results would be worse. The others fail.
+#include <oci.h>
+#include <ocixmldb.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -63,31 +64,55 @@ void noteUnsupported(OCIError *errhp) {
                 o2pGetErrorText(kUnsupported));
 }
 
+/// What a function that callbacks may watch does beside letting them.
+struct FrameForm {
+  bool tracesStages = true;    ///< lines around the entry, replace and exit callbacks
+  bool narratesFirst = false;  ///< before the callbacks, not behind them
+  bool leavesText = true;      ///< that of 3001, in the error handle
+};
+constexpr FrameForm kPlainFrame{};
+constexpr FrameForm kQuietFrame{.tracesStages = false};
+constexpr FrameForm kObjectFrame{
+    .tracesStages = false, .narratesFirst = true, .leavesText = false};
+
 /// Runs one stage of callbacks between two trace lines.
 template <class Run>
-void traced(const char *before, const char *after, bool quiet, const Run &run) {
-  if (!quiet) o2pTrace(kArguments, before);
+void traced(const char *before, const char *after, const FrameForm &form,
+            const Run &run) {
+  if (form.tracesStages) o2pTrace(kArguments, before);
   run();
-  if (!quiet) o2pTrace(kArguments, after);
+  if (form.tracesStages) o2pTrace(kArguments, after);
+}
+
+/// The environment above the first argument. A place for a handle to come leads nowhere;
+/// the error handle stands in for it.
+template <class First>
+OCIEnv *watchingEnv(First *first, OCIError *errhp) {
+  if constexpr (std::is_pointer_v<First>) {
+    return zev::climbToEnv(errhp);
+  } else {
+    return zev::climbToEnv(first);
+  }
 }
 
 /// A function that callbacks may watch, and whose status they may change.
 template <class First, class... Rest>
-sword frameStub(const Stub &stub, ub4 code, bool quiet, OCIError *errhp, First *first,
-                Rest... rest) {
-  OCIEnv *env = zev::climbToEnv(first);
+sword frameStub(const Stub &stub, const FrameForm &form, ub4 code, OCIError *errhp,
+                First *first, Rest... rest) {
+  OCIEnv *env = watchingEnv(first, errhp);
   sword status = OCI_SUCCESS;
-  traced("BEFORE PerformEntryUcbs\n", "AFTER PerformEntryUcbs\n", quiet, [&] {
+  if (form.narratesFirst) o2pTrace(kNarrative, stub.narrative);
+  traced("BEFORE PerformEntryUcbs\n", "AFTER PerformEntryUcbs\n", form, [&] {
     if (env) PerformEntryUcbs(env->entryUcbs[code], &status, first, rest...);
   });
-  traced("BEFORE PerformReplaceUcbs\n", "AFTER PerformReplaceUcbs\n", quiet, [&] {
+  traced("BEFORE PerformReplaceUcbs\n", "AFTER PerformReplaceUcbs\n", form, [&] {
     if (env) PerformReplaceUcbs(env, &status, code, first, rest...);
   });
-  o2pTrace(kNarrative, stub.narrative);
+  if (!form.narratesFirst) o2pTrace(kNarrative, stub.narrative);
   traceArguments(stub.arguments, first, rest...);
   stopUnlessAllowed(stub);
-  noteUnsupported(errhp);
-  traced("BEFORE PerformExitUcbs\n", "AFTER PerformExitUcbs\n", quiet, [&] {
+  if (form.leavesText) noteUnsupported(errhp);
+  traced("BEFORE PerformExitUcbs\n", "AFTER PerformExitUcbs\n", form, [&] {
     if (env) PerformExitUcbs(env->exitUcbs[code], &status, first, rest...);
   });
   o2pTrace(kArguments, "\tRETURNING %s\n");
@@ -105,32 +130,103 @@ sword plainStub(const Stub &stub, OCIError *errhp, Arguments... arguments) {
   return OCI_SUCCESS;
 }
 
+/// A function that fails without a word to the program: OCI_ERROR as its result has it.
+template <class Result>
+Result softStub(const char *narrative) {
+  o2pTrace(kNarrative, narrative);
+  o2pTrace(kArguments, "\tRETURNING %s\n");
+  return static_cast<Result>(OCI_ERROR);
+}
+
+/// A function that has nothing to return: null.
+template <class Result>
+Result nullStub(const char *narrative) {
+  o2pTrace(kNarrative, narrative);
+  return Result();
+}
+
+/// A function that fails and says why.
+template <class Result>
+Result unsupportedStub(const char *narrative, OCIError *errhp) {
+  ClearErrorHandle(errhp);
+  AddErrorRecord(errhp, OCI_ERROR, kUnsupported);
+  return softStub<Result>(narrative);
+}
+
 }  // namespace
 
 // Some parameters are declared for the program's sake alone.
 #pragma GCC diagnostic ignored "-Wunused-parameter"
 
-#define FRAME_STUB_OF(quiet, name, code, line, errhp, parameters, ...)             \
-  extern "C" ZEV_API sword name parameters {                                       \
-    return frameStub({#name, __FILE__, __LINE__, line, #__VA_ARGS__}, code, quiet, \
-                     errhp, __VA_ARGS__);                                          \
+// These have a body elsewhere.
+#define WORKS(...)
+#define FAILS(...)
+
+#define FRAME_STUB_OF(form, result, name, parameters, code, line, errhp, ...)            \
+  extern "C" ZEV_API result name parameters {                                            \
+    return frameStub({#name, __FILE__, __LINE__, line, #__VA_ARGS__}, form, code, errhp, \
+                     __VA_ARGS__);                                                       \
   }
-#define FRAME_STUB(...) FRAME_STUB_OF(false, __VA_ARGS__)
-#define QUIET_FRAME_STUB(...) FRAME_STUB_OF(true, __VA_ARGS__)
-#define PLAIN_STUB(name, line, errhp, parameters, ...)                       \
-  extern "C" ZEV_API sword name parameters {                                 \
+#define FRAME_STUB(...) FRAME_STUB_OF(kPlainFrame, __VA_ARGS__)
+#define QUIET_FRAME_STUB(...) FRAME_STUB_OF(kQuietFrame, __VA_ARGS__)
+#define OBJECT_STUB(...) FRAME_STUB_OF(kObjectFrame, __VA_ARGS__)
+#define PLAIN_STUB(result, name, parameters, line, errhp, ...)               \
+  extern "C" ZEV_API result name parameters {                                \
     return plainStub({#name, __FILE__, __LINE__, line, #__VA_ARGS__}, errhp, \
                      __VA_ARGS__);                                           \
   }
-#define BARE_STUB(name, line, parameters)                             \
-  extern "C" ZEV_API sword name parameters {                          \
+#define BARE_STUB(result, name, parameters, line)                     \
+  extern "C" ZEV_API result name parameters {                         \
     return plainStub({#name, __FILE__, __LINE__, line, {}}, nullptr); \
   }
+#define SOFT_STUB(result, name, parameters, line) \
+  extern "C" ZEV_API result name parameters {     \
+    return softStub<result>(line);                \
+  }
+#define NULL_STUB(result, name, parameters, line) \
+  extern "C" ZEV_API result name parameters {     \
+    return nullStub<result>(line);                \
+  }
+#define UNSUPPORTED_STUB(result, name, parameters, errhp)               \
+  extern "C" ZEV_API result name parameters {                           \
+    return unsupportedStub<result>(#name " is not supported\n", errhp); \
+  }
+#define UNDECLARED_STUB(name)                                            \
+  extern "C" ZEV_API sword name();                                       \
+  extern "C" sword name() {                                              \
+    return unsupportedStub<sword>(#name " is not supported\n", nullptr); \
+  }
 
-#include "core/stub_table.def"
+#include "core/surface/surface.def"
 
+#undef UNDECLARED_STUB
+#undef UNSUPPORTED_STUB
+#undef NULL_STUB
+#undef SOFT_STUB
 #undef BARE_STUB
 #undef PLAIN_STUB
+#undef OBJECT_STUB
 #undef QUIET_FRAME_STUB
 #undef FRAME_STUB
 #undef FRAME_STUB_OF
+#undef FAILS
+#undef WORKS
+
+extern "C" {
+
+ZEV_API struct xmlctx *OCIXmlDbInitXmlCtx(OCIEnv *, OCISvcCtx *, OCIError *errhp,
+                                          struct ocixmldbparam *, sword) {
+  o2pTrace(kNarrative, "Describing Any Object\n");
+  o2pTrace(kArguments, "\terrhp = %p\n");
+  noteUnsupported(errhp);
+  o2pTrace(kArguments, "\tRETURNING %p\n");
+  return nullptr;
+}
+
+ZEV_API void OCIXmlDbFreeXmlCtx(struct xmlctx *) {
+  o2pTrace(kNarrative, "Freeing XMLDB Context\n");
+  o2pTrace(kArguments, "\txctx = %p\n");
+  o2pTrace(kArguments, "\tRETURNING %s\n");
+}
+
+}  // extern "C"

@@ -28,20 +28,30 @@ void set(T &setting, T value) {
   __atomic_store_n(&setting, value, __ATOMIC_RELAXED);
 }
 
-void printHexRow(const unsigned char *data, int offset, int count) {
-  std::fprintf(oci_debug_log, "%6X   ", static_cast<unsigned>(offset));
+/// The log, which an environment of another thread may replace at any time.
+std::FILE *currentLog() {
+  return __atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED);
+}
+
+/// The log when `mask` is on, else null.
+std::FILE *logFor(std::uint64_t mask) {
+  return zev::tracing(mask) ? currentLog() : nullptr;
+}
+
+void printHexRow(std::FILE *log, const unsigned char *data, int offset, int count) {
+  std::fprintf(log, "%6X   ", static_cast<unsigned>(offset));
   for (int i = 0; i < kBytesPerRow; ++i) {
     if (i < count) {
-      std::fprintf(oci_debug_log, "%02x ", data[i]);
+      std::fprintf(log, "%02x ", data[i]);
     } else {
-      std::fputs("   ", oci_debug_log);
+      std::fputs("   ", log);
     }
   }
   for (int i = 0; i < kBytesPerRow; ++i) {
     const bool printable = i < count && data[i] >= 32 && data[i] <= 126;
-    std::fputc(i >= count ? ' ' : printable ? data[i] : '.', oci_debug_log);
+    std::fputc(i >= count ? ' ' : printable ? data[i] : '.', log);
   }
-  std::fputc('\n', oci_debug_log);
+  std::fputc('\n', log);
 }
 
 /// The line that every narrative trace gives as its own.
@@ -49,22 +59,27 @@ constexpr int kTraceLine = 916;
 
 /// Writes a format whose placeholders all show the address of the argument list: as it
 /// stands, its low bits, or the bytes at it up to the first zero.
-void printUnexpanded(const char *format, const void *list) {
+void printUnexpanded(std::FILE *log, const char *format, const void *list) {
   for (; *format; ++format) {
-    if (format[0] != '%' || !format[1]) {
-      std::fputc(*format, oci_debug_log);
+    if (*format != '%') {
+      std::fputc(*format, log);
       continue;
     }
-    switch (*++format) {
+    format += 1 + std::strspn(format + 1, "-+ #0123456789.*hljzt");
+    switch (*format) {
       case 'p':
-        std::fprintf(oci_debug_log, "%p", list);
+        std::fprintf(log, "%p", list);
         break;
       case 's':
-        std::fprintf(oci_debug_log, "%.4s", static_cast<const char *>(list));
+        std::fprintf(log, "%.4s", static_cast<const char *>(list));
         break;
+      case '%':
+        std::fputc('%', log);
+        break;
+      case '\0':
+        return;
       default:
-        std::fprintf(oci_debug_log, "%d",
-                     static_cast<int>(reinterpret_cast<std::uintptr_t>(list)));
+        std::fprintf(log, "%d", static_cast<int>(reinterpret_cast<std::uintptr_t>(list)));
     }
   }
 }
@@ -84,38 +99,38 @@ int ocitracing(std::uint64_t mask) {
   return zev::tracing(mask);
 }
 
-void o2pTrace(int level, const char *format, ...) {
-  if (!__atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED) ||
-      __atomic_load_n(&OCI2PQ_TRACE_LEVEL, __ATOMIC_RELAXED) < level) {
-    return;
-  }
+// The names in brackets are the functions, not the tests at their call sites.
+
+void(o2pTrace)(int level, const char *format, ...) {
+  std::FILE *log = zev::narrating(level) ? currentLog() : nullptr;
+  if (!log) return;
   va_list list;
   va_start(list, format);
-  std::fprintf(oci_debug_log, "TRACE%d-%s[%s:%d]: ", level, "o2pTrace", "trace.cpp",
-               kTraceLine);
-  printUnexpanded(format, &list);
+  std::fprintf(log, "TRACE%d-%s[%s:%d]: ", level, "o2pTrace", "trace.cpp", kTraceLine);
+  printUnexpanded(log, format, &list);
   va_end(list);
-  std::fflush(oci_debug_log);
+  std::fflush(log);
 }
 
-void ocitrace(std::uint64_t mask, const char *label, const char *format, ...) {
-  if (!zev::tracing(mask)) return;
-  if (label) std::fprintf(oci_debug_log, "%s: ", label);
+void(ocitrace)(std::uint64_t mask, const char *label, const char *format, ...) {
+  std::FILE *log = logFor(mask);
+  if (!log) return;
+  if (label) std::fprintf(log, "%s: ", label);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(oci_debug_log, format, arguments);
+  std::vfprintf(log, format, arguments);
   va_end(arguments);
 }
 
-void ocitracehex(std::uint64_t mask, const char *label, const void *data, sb4 length) {
-  if (!zev::tracing(mask)) return;
-  if (label) std::fprintf(oci_debug_log, "%s\n", label);
-  std::fprintf(oci_debug_log, "%8s  0  1  2  3  4  5  6  7  8  9  A  B  C  D  E  F\n",
-               "");
-  if (length <= 0) std::fprintf(oci_debug_log, "%16s\n", "");
+void(ocitracehex)(std::uint64_t mask, const char *label, const void *data, sb4 length) {
+  std::FILE *log = logFor(mask);
+  if (!log) return;
+  if (label) std::fprintf(log, "%s\n", label);
+  std::fprintf(log, "%8s  0  1  2  3  4  5  6  7  8  9  A  B  C  D  E  F\n", "");
+  if (length <= 0) std::fprintf(log, "%16s\n", "");
   const auto *bytes = static_cast<const unsigned char *>(data);
   for (sb4 offset = 0; offset < length; offset += kBytesPerRow) {
-    printHexRow(bytes + offset, offset, length - offset);
+    printHexRow(log, bytes + offset, offset, length - offset);
   }
 }
 

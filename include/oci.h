@@ -8,56 +8,12 @@
 
 #include "nzt.h"
 #include "oci1.h"
+#include "ociapr.h"
 #include "ocidfn.h"
 #include "oratypes.h"
 #include "orl.h"
 #include "oro.h"
 #include "ort.h"
-
-/* Handles: allocated by OCIHandleAlloc (or a call named here), freed by OCIHandleFree.
-   Their records are the library's own; programs hold pointers. */
-typedef struct OCIEnv OCIEnv;         /* environment, owner of all others */
-typedef struct OCIError OCIError;     /* error records of the last call */
-typedef struct OCISvcCtx OCISvcCtx;   /* service context: server, session, transaction */
-typedef struct OCIServer OCIServer;   /* address and connection of a server */
-typedef struct OCISession OCISession; /* user, password and module of a session */
-typedef OCISession OCIAuthInfo;       /* credentials for a session pool */
-typedef struct OCITrans OCITrans;     /* transaction identifier and timeout */
-typedef struct OCIStmt OCIStmt;       /* statement, with its binds and defines */
-typedef struct OCIBind OCIBind;       /* placeholder and its buffers; the statement's */
-typedef struct OCIDefine OCIDefine;   /* column and its buffers; the statement's */
-typedef struct OCIDescribe OCIDescribe;           /* result of OCIDescribeAny */
-typedef struct OCISPool OCISPool;                 /* session pool */
-typedef struct OCICPool OCICPool;                 /* connection pool */
-typedef struct OCIAdmin OCIAdmin;                 /* parameters of a database startup */
-typedef struct OCISubscription OCISubscription;   /* notification subscription */
-typedef struct OCIComplexObject OCIComplexObject; /* complex object retrieval */
-typedef struct OCIDirPathCtx OCIDirPathCtx;       /* direct path load */
-typedef struct OCIDirPathColArray OCIDirPathColArray; /* its columns */
-typedef struct OCIDirPathStream OCIDirPathStream;     /* its stream */
-
-/* Descriptors: allocated by OCIDescriptorAlloc, freed by OCIDescriptorFree. */
-typedef struct OCILobLocator OCILobLocator;     /* locator of a large object */
-typedef OCILobLocator OCIClobLocator;           /* of character data */
-typedef OCILobLocator OCIBlobLocator;           /* of binary data */
-typedef OCILobLocator OCIBFileLocator;          /* of an external file */
-typedef struct OCISnapshot OCISnapshot;         /* read-consistent view */
-typedef struct OCIResult OCIResult;             /* result set */
-typedef struct OCIParam OCIParam;               /* described column, argument or list */
-typedef struct OCIRowid OCIRowid;               /* row identifier */
-typedef struct OCIDateTime OCIDateTime;         /* date, time and zone */
-typedef struct OCIInterval OCIInterval;         /* year-month or day-second interval */
-typedef struct OCIAQEnqOptions OCIAQEnqOptions; /* queue: how to enqueue */
-typedef struct OCIAQDeqOptions OCIAQDeqOptions; /* queue: how to dequeue */
-typedef struct OCIAQMsgProperties OCIAQMsgProperties; /* queue: a message's properties */
-typedef struct OCIAQAgent OCIAQAgent;                 /* queue: sender or recipient */
-typedef struct OCIUcb OCIUcb;                         /* user callback */
-
-/* Threads. */
-typedef struct OCIThreadId OCIThreadId;         /* identity of a thread */
-typedef struct OCIThreadHandle OCIThreadHandle; /* handle of a started thread */
-typedef struct OCIThreadMutex OCIThreadMutex;   /* mutex */
-typedef struct OCIThreadKey OCIThreadKey;       /* thread-specific value */
 
 /* Called with the value of a key when a thread that set it ends. */
 typedef void (*OCIThreadKeyDestFunc)(void *value);
@@ -102,17 +58,39 @@ typedef sb4 (*OCICallbackLobArrayWrite)(void *ctxp, ub4 array_iter, void *bufp,
                                         oraub8 *lenp, ub1 *piecep, void **changed_bufpp,
                                         oraub8 *changed_lenp);
 
+/* Asked for the next message of OCIAQEnqArray, and given the next one of OCIAQDeqArray,
+   with its null structure. */
+typedef sb4 (*OCICallbackAQEnq)(void *ctxp, void **payload, void **payload_ind);
+typedef sb4 (*OCICallbackAQDeq)(void *ctxp, void **payload, void **payload_ind);
+
 /* Told of a failover: fo_type is OCI_FO_NONE, OCI_FO_SESSION, ..., fo_event OCI_FO_BEGIN,
  * .... */
 typedef sb4 (*OCICallbackFailover)(void *svcctx, void *envctx, void *fo_ctx, ub4 fo_type,
                                    ub4 fo_event);
 
-/* Runs before (OCI_UCBTYPE_ENTRY), instead of (OCI_UCBTYPE_REPLACE) or after
-   (OCI_UCBTYPE_EXIT) the call with code fcode (OCI_FNCODE_*) on hndlp; arglist holds that
-   call's arguments, returnCode what it has come to so far. Must return OCI_CONTINUE, or
-   as a replacement the status of the call. */
+/* Value of OCI_ATTR_FOCBK: the failover callback and its context. */
+typedef struct OCIFocbkStruct {
+  OCICallbackFailover callback_function;
+  void *fo_ctx;
+} OCIFocbkStruct;
+
+/* Given the payload of a notification, payload_len bytes at payload, for a subscription.
+ */
+typedef ub4 (*OCISubscriptionNotify)(void *ctx, OCISubscription *subscrhp, void *payload,
+                                     ub4 payload_len, void *desc, ub4 mode);
+
+/* Runs before (OCI_UCBTYPE_ENTRY), beside (OCI_UCBTYPE_REPLACE) or after
+   (OCI_UCBTYPE_EXIT) the call that it was registered for; arglist holds that call's
+   arguments, hndlp and type what was given at registration. fcode, when and returnCode
+   are 13, 1 and 0 whatever the call is. OCI_CONTINUE leaves the status of the call as it
+   is, any other result becomes it; the call's own work is done in either case. */
 typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
                                  sword returnCode, sb4 *errnop, va_list arglist);
+
+/* A package's own start on a new environment: registers its callbacks there. The other
+   arguments are 0. */
+typedef sword (*OCIEnvCallbackType)(OCIEnv *env, ub4 mode, size_t xtramem_sz,
+                                    void *usrmemp, OCIUcb *ucbDesc);
 
 /* clang-format off */
 /* Return codes. */
@@ -1035,7 +1013,7 @@ typedef sword (*OCIUserCallback)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, u
 /* clang-format on */
 
 #include "ociap.h"
-#include "ociapr.h"
+#include "ociextp.h"
 #include "ori.h"
 
 #endif /* ZEVOCI_OCI_H */

@@ -1,10 +1,61 @@
 /*
- * oro.h: object references, durations and indicators.
+ * oro.h: the opaque records of the interface, object references, durations and
+ * indicators.
  */
 #ifndef ZEVOCI_ORO_H
 #define ZEVOCI_ORO_H
 
 #include "oratypes.h"
+
+/* Handles: allocated by OCIHandleAlloc (or a call named here), freed by OCIHandleFree.
+   Their records are the library's own; programs hold pointers. */
+typedef struct OCIEnv OCIEnv;         /* environment, owner of all others */
+typedef struct OCIError OCIError;     /* error records of the last call */
+typedef struct OCISvcCtx OCISvcCtx;   /* service context: server, session, transaction */
+typedef struct OCIServer OCIServer;   /* address and connection of a server */
+typedef struct OCISession OCISession; /* user, password and module of a session */
+typedef OCISession OCIAuthInfo;       /* credentials for a session pool */
+typedef struct OCITrans OCITrans;     /* transaction identifier and timeout */
+typedef struct OCIStmt OCIStmt;       /* statement, with its binds and defines */
+typedef struct OCIBind OCIBind;       /* placeholder and its buffers; the statement's */
+typedef struct OCIDefine OCIDefine;   /* column and its buffers; the statement's */
+typedef struct OCIDescribe OCIDescribe;           /* result of OCIDescribeAny */
+typedef struct OCISPool OCISPool;                 /* session pool */
+typedef struct OCICPool OCICPool;                 /* connection pool */
+typedef struct OCIAdmin OCIAdmin;                 /* parameters of a database startup */
+typedef struct OCISubscription OCISubscription;   /* notification subscription */
+typedef struct OCIComplexObject OCIComplexObject; /* complex object retrieval */
+typedef struct OCISecurity OCISecurity;           /* wallets and certificates */
+typedef struct OCIDirPathCtx OCIDirPathCtx;       /* direct path load */
+typedef struct OCIDirPathColArray OCIDirPathColArray; /* its columns */
+typedef struct OCIDirPathStream OCIDirPathStream;     /* its stream */
+
+/* Descriptors: allocated by OCIDescriptorAlloc, freed by OCIDescriptorFree. */
+typedef struct OCILobLocator OCILobLocator;     /* locator of a large object */
+typedef OCILobLocator OCIClobLocator;           /* of character data */
+typedef OCILobLocator OCIBlobLocator;           /* of binary data */
+typedef OCILobLocator OCIBFileLocator;          /* of an external file */
+typedef struct OCISnapshot OCISnapshot;         /* read-consistent view */
+typedef struct OCIResult OCIResult;             /* result set */
+typedef struct OCIParam OCIParam;               /* described column, argument or list */
+typedef struct OCIRowid OCIRowid;               /* row identifier */
+typedef struct OCIDateTime OCIDateTime;         /* date, time and zone */
+typedef struct OCIInterval OCIInterval;         /* year-month or day-second interval */
+typedef struct OCIAQEnqOptions OCIAQEnqOptions; /* queue: how to enqueue */
+typedef struct OCIAQDeqOptions OCIAQDeqOptions; /* queue: how to dequeue */
+typedef struct OCIAQMsgProperties OCIAQMsgProperties; /* queue: a message's properties */
+typedef struct OCIAQAgent OCIAQAgent;                 /* queue: sender or recipient */
+typedef struct OCIAQListenOpts OCIAQListenOpts;       /* queue: how to listen */
+typedef struct OCIAQLisMsgProps OCIAQLisMsgProps;     /* queue: what was heard */
+typedef struct OCIVector OCIVector;                   /* vector of numbers */
+typedef struct OCIComplexObjectComp OCIComplexObjectComp; /* its part */
+typedef struct OCIUcb OCIUcb;                             /* user callback */
+
+/* Threads. */
+typedef struct OCIThreadId OCIThreadId;         /* identity of a thread */
+typedef struct OCIThreadHandle OCIThreadHandle; /* handle of a started thread */
+typedef struct OCIThreadMutex OCIThreadMutex;   /* mutex */
+typedef struct OCIThreadKey OCIThreadKey;       /* thread-specific value */
 
 /* clang-format off */
 /* Durations (OCIDuration). */
@@ -37,6 +88,11 @@ typedef enum OCILockOpt {
   OCI_LOCK_X = 2,       /* exclusively */
   OCI_LOCK_X_NOWAIT = 3 /* exclusively, or fail at once */
 } OCILockOpt;
+
+/* Which objects a refresh of the cache reads. */
+typedef enum OCIRefreshOpt {
+  OCI_REFRESH_LOADED = 1 /* those that this transaction has read */
+} OCIRefreshOpt;
 
 /* clang-format off */
 /* Flags of freeing an object. */

@@ -121,6 +121,11 @@ ZEV_API sword OCIServerRelease(void *hndlp, OCIError *errhp, OraText *bufp, ub4 
   return OCIServerVersion(hndlp, errhp, bufp, bufsz, hndltype);
 }
 
+ZEV_API sword OCIServerRelease2(void *hndlp, OCIError *errhp, OraText *bufp, ub4 bufsz,
+                                ub1 hndltype, ub4 *version, ub4) {
+  return OCIServerRelease(hndlp, errhp, bufp, bufsz, hndltype, version);
+}
+
 ZEV_API void OCIClientVersion(sword *major, sword *minor, sword *update, sword *patch,
                               sword *port_update) {
   const sword *part = kClientVersion;

@@ -1,6 +1,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include "core/edge_text.h"
 #include "core/frame.h"
@@ -11,18 +13,23 @@
 
 namespace {
 
-/// The buffers and modes that both bind calls take.
+/// The buffers and modes that all bind calls take.
 struct BindArguments {
   void *valuep;
-  sb4 valueSize;
+  sb8 valueSize;
   ub2 dty;
   void *indp;
-  ub2 *alenp;
+  void *alenp;
+  bool wideLengths;  ///< alenp leads to ub4, not ub2
   ub2 *rcodep;
   ub4 maxarrLen;
   ub4 *curelep;
   ub4 mode;
 };
+
+/// Whether a length that a call takes is one of 32 bits.
+template <class Length>
+constexpr bool kIsWide = std::is_same_v<Length, ub4>;
 
 bool isBindMode(ub4 mode) {
   return mode == OCI_DEFAULT || mode == OCI_DATA_AT_EXEC || mode == OCI_BIND_SOFT;
@@ -38,7 +45,8 @@ void *valueOf(const BindArguments &arguments) {
 void storeBuffers(OCIBind *bind, const BindArguments &arguments) {
   bind->valuep = valueOf(arguments);
   bind->indp = static_cast<sb2 *>(arguments.indp);
-  bind->alenp = arguments.alenp;
+  bind->alenp = static_cast<ub2 *>(arguments.alenp);
+  bind->wideLengths = arguments.wideLengths;
   bind->rcodep = arguments.rcodep;
   bind->maxarrLen = arguments.maxarrLen;
   bind->curelep = arguments.curelep;
@@ -57,9 +65,9 @@ void storeBind(OCIStmt *stmt, OCIBind *bind, const BindArguments &arguments, ub4
     bind->alenp = nullptr;
     bind->rcodep = nullptr;
   }
-  bind->valueSize = arguments.valueSize;
+  bind->valueSize = static_cast<sb4>(arguments.valueSize);
   bind->dty = arguments.dty;
-  bind->pgType = GetParamType(stmt, position, arguments.dty, arguments.valueSize);
+  bind->pgType = GetParamType(stmt, position, arguments.dty, bind->valueSize);
   bind->convert = nullptr;
 }
 
@@ -103,6 +111,7 @@ bool textHolds(const OCIStmt *stmt, const std::string &placeholder) {
 
 sword bindByName(OCIStmt *stmt, OCIBind **bindpp, OCIError *errhp,
                  const std::string &name, const BindArguments &arguments) {
+  if (!std::in_range<sb4>(arguments.valueSize)) return zev::fail(errhp, 1084);
   if (!textHolds(stmt, name)) return zev::fail(errhp, 16952);
   const auto length = static_cast<ub4>(name.size());
   if (arguments.mode == OCI_BIND_SOFT) {
@@ -147,6 +156,7 @@ OCIBind *findByExactName(const OCIStmt *stmt, const char *name, ub4 length) {
 
 sword bindByPos(OCIStmt *stmt, OCIBind **bindpp, OCIError *errhp, ub4 position,
                 const BindArguments &arguments) {
+  if (!std::in_range<sb4>(arguments.valueSize)) return zev::fail(errhp, 1084);
   const char *placeholder = placeholderAt(stmt, position);
   if (!placeholder) return zev::fail(errhp, 28553);
   const auto length = static_cast<ub4>(std::strcspn(placeholder, PLACEHOLDER_DELIMITERS));
@@ -176,6 +186,60 @@ zev::Leave leaveWith(sword &status, sword outcome) {
   return zev::Leave::AtOnce;
 }
 
+/// OCIBindByName and its sister with wider numbers.
+template <class Size, class Length>
+sword callBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
+                     const OraText *placeholder, sb4 placeh_len, void *valuep,
+                     Size value_sz, ub2 dty, void *indp, Length *alenp, ub2 *rcodep,
+                     ub4 maxarr_len, ub4 *curelep, ub4 mode) {
+  if (!bindpp || !placeholder || !IsValidOraDataType(dty) || !zev::asStmt(stmtp) ||
+      !zev::asError(errhp)) {
+    return OCI_INVALID_HANDLE;
+  }
+  OCIEnv *env = zev::parentEnv(stmtp);
+  if (!env) return OCI_INVALID_HANDLE;
+  if (!isBindMode(mode)) return OCI_ERROR;
+
+  return zev::runFrame(
+      zev::frame::kBindByName, env, errhp,
+      [&](sword &status) {
+        const std::size_t length = placeh_len < 0 ? zev::textLength(env, placeholder)
+                                                  : static_cast<std::size_t>(placeh_len);
+        const zev::EdgeText edge(env, placeholder, length);
+        if (!edge) return leaveWith(status, edge.fail(errhp));
+        return leaveWith(status,
+                         bindByName(stmtp, bindpp, errhp, std::string(edge.view()),
+                                    {valuep, value_sz, dty, indp, alenp, kIsWide<Length>,
+                                     rcodep, maxarr_len, curelep, mode}));
+      },
+      stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz, dty, indp, alenp,
+      rcodep, maxarr_len, curelep, mode);
+}
+
+/// OCIBindByPos and its sister with wider numbers.
+template <class Size, class Length>
+sword callBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp, ub4 position,
+                    void *valuep, Size value_sz, ub2 dty, void *indp, Length *alenp,
+                    ub2 *rcodep, ub4 maxarr_len, ub4 *curelep, ub4 mode) {
+  if (!bindpp || !position || !zev::asStmt(stmtp) || !zev::asError(errhp)) {
+    return OCI_INVALID_HANDLE;
+  }
+  OCIEnv *env = zev::parentEnv(stmtp);
+  if (!env) return OCI_INVALID_HANDLE;
+  if (!isBindMode(mode)) return OCI_ERROR;
+
+  return zev::runFrame(
+      zev::frame::kBindByPos, env, errhp,
+      [&](sword &status) {
+        return leaveWith(status,
+                         bindByPos(stmtp, bindpp, errhp, position,
+                                   {valuep, value_sz, dty, indp, alenp, kIsWide<Length>,
+                                    rcodep, maxarr_len, curelep, mode}));
+      },
+      stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp, rcodep,
+      maxarr_len, curelep, mode);
+}
+
 }  // namespace
 
 extern "C" {
@@ -202,50 +266,32 @@ ZEV_API sword OCIBindByName(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
                             const OraText *placeholder, sb4 placeh_len, void *valuep,
                             sb4 value_sz, ub2 dty, void *indp, ub2 *alenp, ub2 *rcodep,
                             ub4 maxarr_len, ub4 *curelep, ub4 mode) {
-  if (!bindpp || !placeholder || !IsValidOraDataType(dty) || !zev::asStmt(stmtp) ||
-      !zev::asError(errhp)) {
-    return OCI_INVALID_HANDLE;
-  }
-  OCIEnv *env = zev::parentEnv(stmtp);
-  if (!env) return OCI_INVALID_HANDLE;
-  if (!isBindMode(mode)) return OCI_ERROR;
+  return callBindByName(stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz,
+                        dty, indp, alenp, rcodep, maxarr_len, curelep, mode);
+}
 
-  return zev::runFrame(
-      zev::frame::kBindByName, env, errhp,
-      [&](sword &status) {
-        const std::size_t length = placeh_len < 0 ? zev::textLength(env, placeholder)
-                                                  : static_cast<std::size_t>(placeh_len);
-        const zev::EdgeText edge(env, placeholder, length);
-        if (!edge) return leaveWith(status, edge.fail(errhp));
-        return leaveWith(
-            status, bindByName(stmtp, bindpp, errhp, std::string(edge.view()),
-                               {valuep, value_sz, dty, indp, alenp, rcodep, maxarr_len,
-                                curelep, mode}));
-      },
-      stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz, dty, indp, alenp,
-      rcodep, maxarr_len, curelep, mode);
+ZEV_API sword OCIBindByName2(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
+                             const OraText *placeholder, sb4 placeh_len, void *valuep,
+                             sb8 value_sz, ub2 dty, void *indp, ub4 *alenp, ub2 *rcodep,
+                             ub4 maxarr_len, ub4 *curelep, ub4 mode) {
+  return callBindByName(stmtp, bindpp, errhp, placeholder, placeh_len, valuep, value_sz,
+                        dty, indp, alenp, rcodep, maxarr_len, curelep, mode);
 }
 
 ZEV_API sword OCIBindByPos(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
                            ub4 position, void *valuep, sb4 value_sz, ub2 dty, void *indp,
                            ub2 *alenp, ub2 *rcodep, ub4 maxarr_len, ub4 *curelep,
                            ub4 mode) {
-  if (!bindpp || !position || !zev::asStmt(stmtp) || !zev::asError(errhp)) {
-    return OCI_INVALID_HANDLE;
-  }
-  OCIEnv *env = zev::parentEnv(stmtp);
-  if (!env) return OCI_INVALID_HANDLE;
-  if (!isBindMode(mode)) return OCI_ERROR;
+  return callBindByPos(stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp,
+                       rcodep, maxarr_len, curelep, mode);
+}
 
-  return zev::runFrame(
-      zev::frame::kBindByPos, env, errhp,
-      [&](sword &status) {
-        return leaveWith(status, bindByPos(stmtp, bindpp, errhp, position,
-                                           {valuep, value_sz, dty, indp, alenp, rcodep,
-                                            maxarr_len, curelep, mode}));
-      },
-      stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp, rcodep,
-      maxarr_len, curelep, mode);
+ZEV_API sword OCIBindByPos2(OCIStmt *stmtp, OCIBind **bindpp, OCIError *errhp,
+                            ub4 position, void *valuep, sb8 value_sz, ub2 dty, void *indp,
+                            ub4 *alenp, ub2 *rcodep, ub4 maxarr_len, ub4 *curelep,
+                            ub4 mode) {
+  return callBindByPos(stmtp, bindpp, errhp, position, valuep, value_sz, dty, indp, alenp,
+                       rcodep, maxarr_len, curelep, mode);
 }
 
 ZEV_API sword OCIBindDynamic(OCIBind *bindp, OCIError *errhp, void *ictxp,

@@ -1,6 +1,7 @@
 #include "stmt/bind_data.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 
 #include "stmt/bind_value.h"
@@ -25,7 +26,8 @@ bool emptyIsNull(const OCIError *errhp) {
 sword convertRow(OCIBind *bind, OCIError *errhp, ub4 iteration) {
   const zev::RowBuffers row = zev::rowBuffers(bind, iteration);
   if (!row.length && bind->dty == SQLT_RSET) return 0;
-  const sb4 length = row.length ? *row.length : bind->valueSize;
+  if (row.length && row.length.get() > INT_MAX) return zev::fail(errhp, 24330);
+  const sb4 length = row.length ? static_cast<sb4>(row.length.get()) : bind->valueSize;
 
   sb2 local = 0;
   sb2 *indicator = row.indicator ? row.indicator : &local;

@@ -1,3 +1,6 @@
+#include <type_traits>
+#include <utility>
+
 #include "core/frame.h"
 #include "core/frame_rows.h"
 #include "stmt/fill.h"
@@ -9,10 +12,11 @@ namespace {
 struct DefineArguments {
   ub4 position;
   void *valuep;
-  sb4 valueSize;
+  sb8 valueSize;
   ub2 dty;
   void *indp;
-  ub2 *rlenp;
+  void *rlenp;
+  bool wideLengths;  ///< rlenp leads to ub4, not ub2
   ub2 *rcodep;
   ub4 mode;
 };
@@ -25,7 +29,8 @@ void storeBuffers(OCIDefine *define, const DefineArguments &arguments) {
   define->position = arguments.position;
   define->valuep = arguments.valuep;
   define->indp = static_cast<sb2 *>(arguments.indp);
-  define->alenp = arguments.rlenp;
+  define->alenp = static_cast<ub2 *>(arguments.rlenp);
+  define->wideLengths = arguments.wideLengths;
   define->rcodep = arguments.rcodep;
 }
 
@@ -77,6 +82,37 @@ sword change(const zev::FrameRow &row, OCIDefine *defnp, OCIError *errhp, Store 
       defnp, errhp, arguments...);
 }
 
+/// OCIDefineByPos and its sister with wider numbers.
+template <class Size, class Length>
+sword callDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp, ub4 position,
+                      void *valuep, Size value_sz, ub2 dty, void *indp, Length *rlenp,
+                      ub2 *rcodep, ub4 mode) {
+  if (!position || !defnpp || !IsValidOraDataType(dty) || !zev::asStmt(stmtp) ||
+      !zev::asError(errhp)) {
+    return OCI_INVALID_HANDLE;
+  }
+  OCIEnv *env = zev::parentEnv(stmtp);
+  if (!env) return OCI_INVALID_HANDLE;
+  if (!isDefineMode(mode)) return OCI_ERROR;
+
+  return zev::runFrame(
+      zev::frame::kDefineByPos, env, errhp,
+      [&](sword &status) {
+        const bool wide = std::is_same_v<Length, ub4>;
+        const DefineArguments arguments{position, valuep, value_sz, dty, indp,
+                                        rlenp,    wide,   rcodep,   mode};
+        const sword outcome = !std::in_range<sb4>(value_sz) ? zev::fail(errhp, 1084)
+                              : mode == OCI_DEFINE_SOFT
+                                  ? redefine(stmtp, *defnpp, arguments)
+                                  : define(stmtp, defnpp, arguments);
+        zev::forgetFetchPlan(stmtp);
+        if (outcome == OCI_SUCCESS) return zev::Leave::ThroughExitCallbacks;
+        status = outcome;
+        return zev::Leave::AtOnce;
+      },
+      stmtp, defnpp, errhp, position, valuep, value_sz, dty, indp, rlenp, rcodep, mode);
+}
+
 }  // namespace
 
 extern "C" {
@@ -99,28 +135,15 @@ sword Set_OCIDefine(OCIDefine *, void *, ub4, ub4, OCIError *) {
 ZEV_API sword OCIDefineByPos(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp,
                              ub4 position, void *valuep, sb4 value_sz, ub2 dty,
                              void *indp, ub2 *rlenp, ub2 *rcodep, ub4 mode) {
-  if (!position || !defnpp || !IsValidOraDataType(dty) || !zev::asStmt(stmtp) ||
-      !zev::asError(errhp)) {
-    return OCI_INVALID_HANDLE;
-  }
-  OCIEnv *env = zev::parentEnv(stmtp);
-  if (!env) return OCI_INVALID_HANDLE;
-  if (!isDefineMode(mode)) return OCI_ERROR;
+  return callDefineByPos(stmtp, defnpp, errhp, position, valuep, value_sz, dty, indp,
+                         rlenp, rcodep, mode);
+}
 
-  return zev::runFrame(
-      zev::frame::kDefineByPos, env, errhp,
-      [&](sword &status) {
-        const DefineArguments arguments{position, valuep, value_sz, dty,
-                                        indp,     rlenp,  rcodep,   mode};
-        const sword outcome = mode == OCI_DEFINE_SOFT
-                                  ? redefine(stmtp, *defnpp, arguments)
-                                  : define(stmtp, defnpp, arguments);
-        zev::forgetFetchPlan(stmtp);
-        if (outcome == OCI_SUCCESS) return zev::Leave::ThroughExitCallbacks;
-        status = outcome;
-        return zev::Leave::AtOnce;
-      },
-      stmtp, defnpp, errhp, position, valuep, value_sz, dty, indp, rlenp, rcodep, mode);
+ZEV_API sword OCIDefineByPos2(OCIStmt *stmtp, OCIDefine **defnpp, OCIError *errhp,
+                              ub4 position, void *valuep, sb8 value_sz, ub2 dty,
+                              void *indp, ub4 *rlenp, ub2 *rcodep, ub4 mode) {
+  return callDefineByPos(stmtp, defnpp, errhp, position, valuep, value_sz, dty, indp,
+                         rlenp, rcodep, mode);
 }
 
 ZEV_API sword OCIDefineArrayOfStruct(OCIDefine *defnp, OCIError *errhp, ub4 pvskip,

@@ -5,6 +5,7 @@
 
 #include "stmt/dynamic_data.h"
 #include "stmt/field.h"
+#include "stmt/row_buffers.h"
 #include "zevoci/errors.h"
 
 namespace zev {
@@ -16,8 +17,8 @@ struct Strided {
   std::size_t stride;
 
   T *at(std::size_t row) const {
-    return base ? reinterpret_cast<T *>(reinterpret_cast<char *>(base) + row * stride)
-                : nullptr;
+    void *place = base ? reinterpret_cast<char *>(base) + row * stride : nullptr;
+    return static_cast<T *>(place);
   }
 };
 
@@ -29,7 +30,8 @@ struct ColumnPlan {
   ub4 valueSize;
   Strided<char> values;
   Strided<sb2> indicators;
-  Strided<ub2> lengths;
+  Strided<void> lengths;
+  bool wideLengths;
   Strided<ub2> returnCodes;
 };
 
@@ -59,7 +61,9 @@ ColumnPlan planOf(OCIDefine *define, const PGresult *result, int field, PGconn *
       define->valueSize,
       {static_cast<char *>(define->valuep), stride(define->pvskip, define->valueSize)},
       {define->indp, stride(define->indskip, sizeof(sb2))},
-      {define->alenp, stride(define->alskip, sizeof(ub2))},
+      {define->alenp,
+       stride(define->alskip, zev::LengthCell::width(define->wideLengths))},
+      static_cast<bool>(define->wideLengths),
       {define->rcodep, stride(define->rcskip, sizeof(ub2))}};
 }
 
@@ -106,7 +110,8 @@ sword fillColumn(const ColumnPlan &column, OCIError *errhp, const PGresult *resu
     status = zev::convertField(errhp, column.conversion, cell,
                                {column.values.at(row), &length, column.indicators.at(row),
                                 column.returnCodes.at(row)});
-    if (ub2 *produced = column.lengths.at(row)) *produced = static_cast<ub2>(length);
+    const zev::LengthCell produced(column.lengths.at(row), column.wideLengths);
+    if (produced) produced.set(length);
   }
   return status;
 }

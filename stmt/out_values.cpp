@@ -42,7 +42,7 @@ sword convertInto(const Call &call, const OCIBind *bind, const PGresult *result,
   const sword status = PQ2OCIType(call.errhp, PQftype(result, column), field.value,
                                   field.length, field.format, bind->dty, row.value,
                                   &length, row.indicator, returnCode, field.isNull);
-  if (zev::isSuccess(status) && row.length) *row.length = static_cast<ub2>(length);
+  if (zev::isSuccess(status) && row.length) row.length.set(length);
   return status;
 }
 

@@ -5,11 +5,32 @@
 
 namespace zev {
 
+/// A length of the program's: 16 bits wide, or the 32 of OCIBindByName2 and its sisters.
+class LengthCell {
+ public:
+  LengthCell(void *at, bool wide) : at_(at), wide_(wide) {}
+
+  explicit operator bool() const { return at_ != nullptr; }
+  ub4 get() const { return wide_ ? *static_cast<ub4 *>(at_) : *static_cast<ub2 *>(at_); }
+  void set(ub4 length) const {
+    if (wide_) {
+      *static_cast<ub4 *>(at_) = length;
+    } else {
+      *static_cast<ub2 *>(at_) = static_cast<ub2>(length);
+    }
+  }
+  static std::size_t width(bool wide) { return wide ? sizeof(ub4) : sizeof(ub2); }
+
+ private:
+  void *at_;
+  bool wide_;
+};
+
 /// The buffers of one row; each may be null.
 struct RowBuffers {
   void *value;
   sb2 *indicator;
-  ub2 *length;
+  LengthCell length;
   ub2 *returnCode;
 };
 
@@ -28,7 +49,9 @@ inline RowBuffers rowBuffers(const OCIBind *bind, ub4 row) {
   return {rowOf(static_cast<char *>(bind->valuep), row,
                 stride(bind->pvskip, static_cast<std::size_t>(bind->valueSize))),
           rowOf(bind->indp, row, stride(bind->indskip, sizeof(sb2))),
-          rowOf(bind->alenp, row, stride(bind->alskip, sizeof(ub2))),
+          {rowOf(bind->alenp, row,
+                 stride(bind->alskip, LengthCell::width(bind->wideLengths))),
+           static_cast<bool>(bind->wideLengths)},
           rowOf(bind->rcodep, row, stride(bind->rcskip, sizeof(ub2)))};
 }
 

@@ -65,9 +65,10 @@ struct OCIEnv : OCIHandle {
   ub1 utf16;       ///< 1 while text crosses the interface in UTF-16
   iconv_t toUtf8;  ///< open while utf16 is 1
   iconv_t fromUtf8;
-  List *spareList;       ///< freed, with its elements, with the environment
-  List *contextValues;   ///< of OCIContextSetValue; each element is one block
-  ub1 filesInitialised;  ///< 1 from OCIFileInit to OCIFileTerm
+  List *spareList;         ///< freed, with its elements, with the environment
+  List *contextValues;     ///< of OCIContextSetValue; each element is one block
+  ub1 filesInitialised;    ///< 1 from OCIFileInit to OCIFileTerm
+  List *descriptorArrays;  ///< of OCIArrayDescriptorAlloc; each element is one block
 };
 
 /// An error handle: the records of the last call, and scratch text.

@@ -130,6 +130,7 @@ struct OCIBind : OCIHandle {
   ub4 alskip;
   ub4 rcskip;
   ToServerConverter convert;  ///< from dty to pgType; null until the first value
+  boolean wideLengths;        ///< alenp leads to lengths of 32 bits
 };
 
 struct OCIDefine : OCIHandle {
@@ -148,6 +149,7 @@ struct OCIDefine : OCIHandle {
   ub4 indskip;
   ub4 alskip;
   ub4 rcskip;
+  boolean wideLengths;  ///< alenp leads to lengths of 32 bits
 };
 
 extern "C" {

@@ -1,4 +1,5 @@
-/// The trace stream and its mask channel. With no log open each call is one test.
+/// The trace stream and its two channels: by subject (ocitrace, ocitracehex) and by
+/// verbosity (o2pTrace). With no log open a call site is one load and one branch.
 #pragma once
 
 #include <libpq-fe.h>
@@ -37,13 +38,13 @@ extern ZEV_HELPER const char *const OCIPieceCodes[4];
 
 /// Writes "label: " (for a non-null label) and the formatted text when `mask` is on.
 ZEV_HELPER void ocitrace(std::uint64_t mask, const char *label, const char *format, ...)
-    __attribute__((format(printf, 3, 4)));
+    __attribute__((cold, format(printf, 3, 4)));
 /// Writes a labelled hex dump, 16 bytes a row, when `mask` is on.
 ZEV_HELPER void ocitracehex(std::uint64_t mask, const char *label, const void *data,
-                            sb4 length);
+                            sb4 length) __attribute__((cold));
 /// Writes a narrative line, and flushes, unless OCI2PQ_TRACE_LEVEL is below `level`. The
 /// arguments are not expanded: only a format without placeholders reads as meant.
-ZEV_HELPER void o2pTrace(int level, const char *format, ...);
+ZEV_HELPER void o2pTrace(int level, const char *format, ...) __attribute__((cold));
 /// Whether a trace under `mask` would be written.
 ZEV_HELPER int ocitracing(std::uint64_t mask);
 /// Writes the server's wait statistics for this session when mask 0x2000 is on.
@@ -61,13 +62,30 @@ ZEV_HELPER int simpleCommandFailed(const PGresult *result);
 
 namespace zev {
 
-/// ocitracing without a call, for paths that run once a value.
+/// Levels of o2pTrace. An error is shown while there is a log at all.
+enum TraceLevel { kTraceFailures = 0, kTraceNarrative = 3, kTraceArguments = 4 };
+
+/// ocitracing without a call.
 inline bool tracing(std::uint64_t mask) {
   return __atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED) != nullptr &&
          (__atomic_load_n(&oci_debug_mask, __ATOMIC_RELAXED) & mask) != 0;
+}
+
+/// Whether o2pTrace would write a line of `level`.
+inline bool narrating(int level) {
+  return __atomic_load_n(&oci_debug_log, __ATOMIC_RELAXED) != nullptr &&
+         __atomic_load_n(&OCI2PQ_TRACE_LEVEL, __ATOMIC_RELAXED) >= level;
 }
 
 /// Reads the three debug variables of the process environment, opening the log they name.
 void readDebugVariables();
 
 }  // namespace zev
+
+// Each call site tests for itself, so that neither the call is made nor its arguments are
+// evaluated for a line that nobody reads. The functions test again for other callers.
+#define ocitrace(mask, ...) (zev::tracing(mask) ? ocitrace(mask, __VA_ARGS__) : void())
+#define ocitracehex(mask, ...) \
+  (zev::tracing(mask) ? ocitracehex(mask, __VA_ARGS__) : void())
+#define o2pTrace(level, ...) \
+  (zev::narrating(level) ? o2pTrace(level, __VA_ARGS__) : void())

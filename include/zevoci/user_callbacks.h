@@ -6,21 +6,18 @@
 
 #include "zevoci/handle.h"
 
-/// The published form of a user callback.
-using UserCallback = sword (*)(void *ctxp, void *hndlp, ub4 type, ub4 fcode, ub4 when,
-                               sword returnCode, sb4 *errnop, va_list arglist);
-
-/// One registration.
+/// One registration, in the order of its fields as given.
 struct UcbEntry {
   void *hndlp;
   ub4 type;
   void *ehndlp;
-  UserCallback callback;
+  OCIUserCallback callback;
   void *ctxp;
   OCIUcb *ucbDesc;
 };
 
-/// The registrations of one function code and stage, in order.
+/// The registrations of one function code and stage, in order. They live as long as the
+/// environment.
 struct UcbList {
   UcbEntry **callbacks;
   sb4 count;
@@ -36,4 +33,15 @@ ZEV_HELPER sword PerformEntryUcbs(UcbList *list, sword *status, ...);
 ZEV_HELPER sword PerformReplaceUcbs(OCIEnv *env, sword *status, ub4 fcode, ...);
 /// Runs the callbacks of `list` after a call.
 ZEV_HELPER sword PerformExitUcbs(UcbList *list, sword *status, ...);
+/// Calls one registration and returns its answer. Whatever the function, stage and status
+/// are, a callback is told function code 13, stage 1 and status 0.
+ZEV_HELPER sword o2pVaToListUCB(const UcbEntry *entry, sb4 *errnop, std::va_list arglist);
+/// Loads the packages that ORA_OCI_UCBPKG names, five at most unless
+/// ZEV_OCI_NOUCBPKGLIMIT is set, and lets each register its callbacks with `env`. A
+/// package that cannot be opened is traced and passed over; one without its entry ends
+/// the process. OCI_CONTINUE when the variable is unset, OCI_ERROR when memory runs out,
+/// else OCI_SUCCESS.
+ZEV_HELPER sword o2pLoadUCBs(OCIEnv *env);
+/// Names of the stages by number; null at 0.
+extern ZEV_HELPER const char *const OCICallbackTypes[4];
 }

@@ -1160,6 +1160,11 @@ SIZE(sb8, 8); SIGNED(sb8);
 SIZE(oraub8, 8); UNSIGNED(oraub8);
 SIZE(orasb8, 8); SIGNED(orasb8);
 SIZE(ubig_ora, 8); UNSIGNED(ubig_ora);
+SIZE(sbig_ora, 8); SIGNED(sbig_ora);
+SIZE(eb1, 1);
+SIZE(eb2, 2);
+SIZE(eb4, 4);
+SIZE(utext, 2); UNSIGNED(utext);
 SIZE(sword, 4); SIGNED(sword);
 SIZE(uword, 4); UNSIGNED(uword);
 SIZE(eword, 4); SIGNED(eword);
@@ -1175,6 +1180,7 @@ SIZE(OCIObjectPropId, 1); UNSIGNED(OCIObjectPropId);
 SIZE(OCIPinOpt, 4);
 SIZE(OCILockOpt, 4);
 SIZE(OCITypeGetOpt, 4);
+SIZE(OCIRefreshOpt, 4);
 _Static_assert(_Generic((sword)0, int: 1, default: 0), "sword is int");
 _Static_assert(_Generic((uword)0, unsigned: 1, default: 0), "uword is unsigned int");
 _Static_assert(_Generic((OraText)0, unsigned char: 1, default: 0), "OraText is unsigned char");
@@ -1196,6 +1202,10 @@ FIELD(OCIDate, OCIDateMM, 2, 1);
 FIELD(OCIDate, OCIDateDD, 3, 1);
 FIELD(OCIDate, OCIDateTime, 4, 3);
 
+SIZE(OCIFocbkStruct, 16);
+FIELD(OCIFocbkStruct, callback_function, 0, 8);
+FIELD(OCIFocbkStruct, fo_ctx, 8, 8);
+
 SIZE(XID, 152);
 FIELD(XID, formatID, 0, 8);
 FIELD(XID, gtrid_length, 8, 8);
@@ -1213,20 +1223,78 @@ SAME(OCITable, OCIColl);
 
 /* ---- Argument lists: the header's declaration is a function of exactly this type ---- */
 
+FUNCTION(sword, OCIAnyDataAccess, (OCISvcCtx *, OCIError *, OCIAnyData *, OCITypeCode,
+         OCIType *, void *, void *, ub4 *));
+FUNCTION(sword, OCIAnyDataBeginCreate, (OCISvcCtx *, OCIError *, OCITypeCode, OCIType *,
+         OCIDuration, OCIAnyData **));
+FUNCTION(sword, OCIAnyDataCollAddElem, (OCISvcCtx *, OCIError *, OCIAnyData *,
+         OCITypeCode, OCIType *, void *, void *, ub4, boolean, boolean));
+FUNCTION(sword, OCIAnyDataCollGetElem, (OCISvcCtx *, OCIError *, OCIAnyData *,
+         OCITypeCode, OCIType *, void *, void *, ub4 *, boolean));
+FUNCTION(sword, OCIAnyDataEndCreate, (OCISvcCtx *, OCIError *, OCIAnyData *));
+FUNCTION(sword, OCIAnyDataIsNull, (OCISvcCtx *, OCIError *, const OCIAnyData *,
+         boolean *));
+FUNCTION(sword, OCIAnyDataSetAddInstance, (OCISvcCtx *, OCIError *, OCIAnyDataSet *,
+         OCIAnyData **));
+FUNCTION(sword, OCIAnyDataSetGetCount, (OCISvcCtx *, OCIError *, OCIAnyDataSet *,
+         ub4 *));
+FUNCTION(sword, OCIAnyDataTypeCodeToSqlt, (OCIError *, OCITypeCode, ub1 *, ub1 *));
+FUNCTION(sword, OCIAppCtxClearAll, (void *, void *, ub4, OCIError *, ub4));
+FUNCTION(sword, OCIAppCtxSet, (void *, void *, ub4, void *, ub4, void *, ub4,
+         OCIError *, ub4));
+FUNCTION(sword, OCIAQDeq, (OCISvcCtx *, OCIError *, OraText *, OCIAQDeqOptions *,
+         OCIAQMsgProperties *, OCIType *, void **, void **, OCIRaw **, ub4));
+FUNCTION(sword, OCIAQDeqArray, (OCISvcCtx *, OCIError *, OraText *, OCIAQDeqOptions *,
+         ub4 *, OCIAQMsgProperties **, OCIType *, void **, void **, OCIRaw **, void *,
+         OCICallbackAQDeq, ub4));
+FUNCTION(sword, OCIAQEnq, (OCISvcCtx *, OCIError *, OraText *, OCIAQEnqOptions *,
+         OCIAQMsgProperties *, OCIType *, void **, void **, OCIRaw **, ub4));
+FUNCTION(sword, OCIAQEnqArray, (OCISvcCtx *, OCIError *, OraText *, OCIAQEnqOptions *,
+         ub4 *, OCIAQMsgProperties **, OCIType *, void **, void **, OCIRaw **, void *,
+         OCICallbackAQEnq, ub4));
+FUNCTION(sword, OCIAQListen, (OCISvcCtx *, OCIError *, OCIAQAgent **, ub4, sb4,
+         OCIAQAgent **, ub4));
+FUNCTION(sword, OCIArrayDescriptorAlloc, (const void *, void **, ub4, ub4, size_t,
+         void **));
+FUNCTION(sword, OCIArrayDescriptorFree, (void **, ub4));
 FUNCTION(sword, OCIAttrGet, (const void *, ub4, void *, ub4 *, ub4, OCIError *));
 FUNCTION(sword, OCIAttrSet, (void *, ub4, void *, ub4, ub4, OCIError *));
 FUNCTION(sword, OCIBindArrayOfStruct, (OCIBind *, OCIError *, ub4, ub4, ub4, ub4));
 FUNCTION(sword, OCIBindByName, (OCIStmt *, OCIBind **, OCIError *, const OraText *, sb4,
          void *, sb4, ub2, void *, ub2 *, ub2 *, ub4, ub4 *, ub4));
+FUNCTION(sword, OCIBindByName2, (OCIStmt *, OCIBind **, OCIError *, const OraText *,
+         sb4, void *, sb8, ub2, void *, ub4 *, ub2 *, ub4, ub4 *, ub4));
 FUNCTION(sword, OCIBindByPos, (OCIStmt *, OCIBind **, OCIError *, ub4, void *, sb4, ub2,
          void *, ub2 *, ub2 *, ub4, ub4 *, ub4));
+FUNCTION(sword, OCIBindByPos2, (OCIStmt *, OCIBind **, OCIError *, ub4, void *, sb8,
+         ub2, void *, ub4 *, ub2 *, ub4, ub4 *, ub4));
 FUNCTION(sword, OCIBindDynamic, (OCIBind *, OCIError *, void *, OCICallbackInBind,
          void *, OCICallbackOutBind));
+FUNCTION(sword, OCIBindObject, (OCIBind *, OCIError *, const OCIType *, void **, ub4 *,
+         void **, ub4 *));
 FUNCTION(sword, OCIBreak, (void *, OCIError *));
+FUNCTION(sword, OCICacheFlush, (OCIEnv *, OCIError *, const OCISvcCtx *, void *,
+         OCIRef *(*)(void *, ub1 *), OCIRef **));
+FUNCTION(sword, OCICacheFree, (OCIEnv *, OCIError *, const OCISvcCtx *));
+FUNCTION(sword, OCICacheRefresh, (OCIEnv *, OCIError *, const OCISvcCtx *,
+         OCIRefreshOpt, void *, OCIRef *(*)(void *), OCIRef **));
+FUNCTION(sword, OCICacheUnmark, (OCIEnv *, OCIError *, const OCISvcCtx *));
+FUNCTION(sword, OCICacheUnpin, (OCIEnv *, OCIError *, const OCISvcCtx *));
 FUNCTION(boolean, OCICharSetConversionIsReplacementUsed, (void *));
 FUNCTION(sword, OCICharSetToUnicode, (void *, ub2 *, size_t, const OraText *, size_t,
          size_t *));
 FUNCTION(void, OCIClientVersion, (sword *, sword *, sword *, sword *, sword *));
+FUNCTION(sword, OCICollAppend, (OCIEnv *, OCIError *, const void *, const void *,
+         OCIColl *));
+FUNCTION(sword, OCICollAssign, (OCIEnv *, OCIError *, const OCIColl *, OCIColl *));
+FUNCTION(sword, OCICollAssignElem, (OCIEnv *, OCIError *, sb4, const void *,
+         const void *, OCIColl *));
+FUNCTION(sword, OCICollGetElem, (OCIEnv *, OCIError *, const OCIColl *, sb4, boolean *,
+         void **, void **));
+FUNCTION(sword, OCICollIsLocator, (OCIEnv *, OCIError *, const OCIColl *, boolean *));
+FUNCTION(sb4, OCICollMax, (OCIEnv *, const OCIColl *));
+FUNCTION(sword, OCICollSize, (OCIEnv *, OCIError *, const OCIColl *, sb4 *));
+FUNCTION(sword, OCICollTrim, (OCIEnv *, OCIError *, sb4, OCIColl *));
 FUNCTION(sword, OCIConnectionPoolCreate, (OCIEnv *, OCIError *, OCICPool *, OraText **,
          sb4 *, const OraText *, sb4, ub4, ub4, ub4, const OraText *, sb4, const OraText *,
          sb4, ub4));
@@ -1277,14 +1345,84 @@ FUNCTION(sword, OCIDateTimeToArray, (void *, OCIError *, const OCIDateTime *, co
          OCIInterval *, ub1 *, ub4 *, ub1));
 FUNCTION(sword, OCIDateTimeToText, (void *, OCIError *, const OCIDateTime *, const
          OraText *, ub1, ub1, const OraText *, size_t, ub4 *, OraText *));
+FUNCTION(sword, OCIDateToText, (OCIError *, const OCIDate *, const OraText *, ub1, const
+         OraText *, ub4, ub4 *, OraText *));
+FUNCTION(sword, OCIDateZoneToZone, (OCIError *, const OCIDate *, const OraText *, ub4,
+         const OraText *, ub4, OCIDate *));
+FUNCTION(sword, OCIDBShutdown, (OCISvcCtx *, OCIError *, OCIAdmin *, ub4));
+FUNCTION(sword, OCIDBStartup, (OCISvcCtx *, OCIError *, OCIAdmin *, ub4, ub4));
+FUNCTION(sword, OCIDefineArrayOfStruct, (OCIDefine *, OCIError *, ub4, ub4, ub4, ub4));
+FUNCTION(sword, OCIDefineByPos, (OCIStmt *, OCIDefine **, OCIError *, ub4, void *, sb4,
+         ub2, void *, ub2 *, ub2 *, ub4));
+FUNCTION(sword, OCIDefineByPos2, (OCIStmt *, OCIDefine **, OCIError *, ub4, void *, sb8,
+         ub2, void *, ub4 *, ub2 *, ub4));
+FUNCTION(sword, OCIDefineDynamic, (OCIDefine *, OCIError *, void *, OCICallbackDefine));
+FUNCTION(sword, OCIDefineObject, (OCIDefine *, OCIError *, const OCIType *, void **,
+         ub4 *, void **, ub4 *));
+FUNCTION(sword, OCIDescribeAny, (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1,
+         OCIDescribe *));
+FUNCTION(sword, OCIDescriptorAlloc, (const void *, void **, ub4, size_t, void **));
+FUNCTION(sword, OCIDescriptorFree, (void *, ub4));
+FUNCTION(sword, OCIDirPathAbort, (OCIDirPathCtx *, OCIError *));
+FUNCTION(sword, OCIDirPathColArrayEntryGet, (OCIDirPathColArray *, OCIError *, ub4, ub2,
+         ub1 **, ub4 *, ub1 *));
+FUNCTION(sword, OCIDirPathColArrayEntrySet, (OCIDirPathColArray *, OCIError *, ub4, ub2,
+         ub1 *, ub4, ub1));
+FUNCTION(sword, OCIDirPathColArrayReset, (OCIDirPathColArray *, OCIError *));
+FUNCTION(sword, OCIDirPathColArrayRowGet, (OCIDirPathColArray *, OCIError *, ub4,
+         ub1 ***, ub4 **, ub1 **));
+FUNCTION(sword, OCIDirPathColArrayToStream, (OCIDirPathColArray *,
+         const OCIDirPathCtx *, OCIDirPathStream *, OCIError *, ub4, ub4));
+FUNCTION(sword, OCIDirPathDataSave, (OCIDirPathCtx *, OCIError *, ub4));
+FUNCTION(sword, OCIDirPathFinish, (OCIDirPathCtx *, OCIError *));
+FUNCTION(sword, OCIDirPathFlushRow, (OCIDirPathCtx *, OCIError *));
+FUNCTION(sword, OCIDirPathLoadStream, (OCIDirPathCtx *, OCIDirPathStream *,
+         OCIError *));
+FUNCTION(sword, OCIDirPathPrepare, (OCIDirPathCtx *, OCISvcCtx *, OCIError *));
+FUNCTION(sword, OCIDirPathStreamReset, (OCIDirPathStream *, OCIError *));
+FUNCTION(sword, OCIDurationBegin, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration,
+         OCIDuration *));
+FUNCTION(sword, OCIDurationEnd, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration));
+FUNCTION(sword, OCIEnvCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
+         void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **));
+FUNCTION(sword, OCIEnvInit, (OCIEnv **, ub4, size_t, void **));
+FUNCTION(sword, OCIEnvNlsCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
+         void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **,
+         ub2, ub2));
+FUNCTION(void *, ociepacm, (OCIExtProcContext *, size_t));
+FUNCTION(size_t, ocieperr, (OCIExtProcContext *, int));
+FUNCTION(sword, ociepgoe, (OCIExtProcContext *, OCIEnv **, OCISvcCtx **, OCIError **));
+FUNCTION(size_t, ociepmsg, (OCIExtProcContext *, int, char *, size_t));
+FUNCTION(sword, OCIErrorGet, (void *, ub4, OraText *, sb4 *, OraText *, ub4, ub4));
+FUNCTION(sword, OCIExtractFromFile, (void *, OCIError *, ub4, OraText *));
+FUNCTION(sword, OCIExtractInit, (void *, OCIError *));
+FUNCTION(sword, OCIExtractSetKey, (void *, OCIError *, const OraText *, ub1, ub4,
+         const void *, const sb4 *, const OraText *const *));
+FUNCTION(sword, OCIExtractSetNumKeys, (void *, OCIError *, uword));
+FUNCTION(sword, OCIExtractTerm, (void *, OCIError *));
+FUNCTION(sword, OCIFileClose, (void *, OCIError *, OCIFileObject *));
+FUNCTION(sword, OCIFileExists, (void *, OCIError *, OraText *, OraText *, ub1 *));
+FUNCTION(sword, OCIFileFlush, (void *, OCIError *, OCIFileObject *));
+FUNCTION(sword, OCIFileGetLength, (void *, OCIError *, OraText *, OraText *, ubig_ora *));
+FUNCTION(sword, OCIFileInit, (void *, OCIError *));
+FUNCTION(sword, OCIFileOpen, (void *, OCIError *, OCIFileObject **, OraText *, OraText *,
+         ub4, ub4, ub4));
+FUNCTION(sword, OCIFileRead, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
+FUNCTION(sword, OCIFileSeek, (void *, OCIError *, OCIFileObject *, uword, ubig_ora, sb1));
+FUNCTION(sword, OCIFileTerm, (void *, OCIError *));
+FUNCTION(sword, OCIFileWrite, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
+FUNCTION(sword, OCIHandleAlloc, (const void *, void **, ub4, size_t, void **));
+FUNCTION(sword, OCIHandleFree, (void *, ub4));
+FUNCTION(sword, OCIInitialize, (ub4, void *, void *(*)(void *, size_t),
+         void *(*)(void *, void *, size_t), void (*)(void *, void *)));
 FUNCTION(sword, OCIIntervalAdd, (void *, OCIError *, OCIInterval *, OCIInterval *, OCIInterval *));
 FUNCTION(sword, OCIIntervalAssign, (void *, OCIError *, const OCIInterval *, OCIInterval *));
 FUNCTION(sword, OCIIntervalCheck, (void *, OCIError *, const OCIInterval *, ub4 *));
 FUNCTION(sword, OCIIntervalCompare, (void *, OCIError *, OCIInterval *, OCIInterval *, sword *));
 FUNCTION(sword, OCIIntervalDivide, (void *, OCIError *, OCIInterval *, OCINumber *, OCIInterval *));
 FUNCTION(sword, OCIIntervalFromNumber, (void *, OCIError *, OCIInterval *, OCINumber *));
-FUNCTION(sword, OCIIntervalFromTZ, (void *, OCIError *, const OraText *, size_t, OCIInterval *));
 FUNCTION(sword, OCIIntervalFromText, (void *, OCIError *, const OraText *, size_t, OCIInterval *));
+FUNCTION(sword, OCIIntervalFromTZ, (void *, OCIError *, const OraText *, size_t, OCIInterval *));
 FUNCTION(sword, OCIIntervalGetDaySecond, (void *, OCIError *, sb4 *, sb4 *, sb4 *, sb4 *, sb4 *, const OCIInterval *));
 FUNCTION(sword, OCIIntervalGetYearMonth, (void *, OCIError *, sb4 *, sb4 *, const OCIInterval *));
 FUNCTION(sword, OCIIntervalMultiply, (void *, OCIError *, const OCIInterval *, OCINumber *, OCIInterval *));
@@ -1293,6 +1431,120 @@ FUNCTION(sword, OCIIntervalSetYearMonth, (void *, OCIError *, sb4, sb4, OCIInter
 FUNCTION(sword, OCIIntervalSubtract, (void *, OCIError *, OCIInterval *, OCIInterval *, OCIInterval *));
 FUNCTION(sword, OCIIntervalToNumber, (void *, OCIError *, const OCIInterval *, OCINumber *));
 FUNCTION(sword, OCIIntervalToText, (void *, OCIError *, const OCIInterval *, ub1, ub1, OraText *, size_t, size_t *));
+FUNCTION(sword, OCIIterCreate, (OCIEnv *, OCIError *, const OCIColl *, OCIIter **));
+FUNCTION(sword, OCIIterDelete, (OCIEnv *, OCIError *, OCIIter **));
+FUNCTION(sword, OCIIterGetCurrent, (OCIEnv *, OCIError *, const OCIIter *, void **,
+         void **));
+FUNCTION(sword, OCIIterInit, (OCIEnv *, OCIError *, const OCIColl *, OCIIter *));
+FUNCTION(sword, OCIIterNext, (OCIEnv *, OCIError *, OCIIter *, void **, void **,
+         boolean *));
+FUNCTION(sword, OCIIterPrev, (OCIEnv *, OCIError *, OCIIter *, void **, void **,
+         boolean *));
+FUNCTION(sword, OCIJsonTextBufferParse, (void *, void *, void *, ub8, ub4, ub2,
+         OCIError *, ub4));
+FUNCTION(sword, OCILdaToSvcCtx, (OCISvcCtx **, OCIError *, Lda_Def *));
+FUNCTION(sword, OCILobAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *));
+FUNCTION(sword, OCILobArrayRead, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **, oraub8
+         *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *, OCICallbackLobArrayRead,
+         ub2, ub1));
+FUNCTION(sword, OCILobArrayWrite, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **,
+         oraub8 *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *,
+         OCICallbackLobArrayWrite, ub2, ub1));
+FUNCTION(sword, OCILobAssign, (OCIEnv *, OCIError *, const OCILobLocator *, OCILobLocator
+         **));
+FUNCTION(sword, OCILobCharSetForm, (OCIEnv *, OCIError *, const OCILobLocator *, ub1 *));
+FUNCTION(sword, OCILobCharSetId, (OCIEnv *, OCIError *, const OCILobLocator *, ub2 *));
+FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobCopy, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
+         ub4, ub4, ub4));
+FUNCTION(sword, OCILobCopy2, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
+         oraub8, oraub8, oraub8));
+FUNCTION(sword, OCILobCreateTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *, ub2,
+         ub1, ub1, boolean, OCIDuration));
+FUNCTION(sword, OCILobDisableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobEnableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobErase, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4));
+FUNCTION(sword, OCILobErase2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
+         oraub8));
+FUNCTION(sword, OCILobFileClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobFileCloseAll, (OCISvcCtx *, OCIError *));
+FUNCTION(sword, OCILobFileExists, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobFileGetName, (OCIEnv *, OCIError *, const OCILobLocator *, OraText
+         *, ub2 *, OraText *, ub2 *));
+FUNCTION(sword, OCILobFileIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobFileOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobFileSetName, (OCIEnv *, OCIError *, OCILobLocator **, const OraText
+         *, ub2, const OraText *, ub2));
+FUNCTION(sword, OCILobFlushBuffer, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobFreeTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *));
+FUNCTION(sword, OCILobGetChunkSize, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobGetContentType, (OCIEnv *, OCISvcCtx *, OCIError *,
+         OCILobLocator *, OraText *, ub4 *, ub4));
+FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
+FUNCTION(sword, OCILobGetLength2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *));
+FUNCTION(sword, OCILobGetStorageLimit, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8
+         *));
+FUNCTION(sword, OCILobIsEqual, (OCIEnv *, const OCILobLocator *, const OCILobLocator *,
+         boolean *));
+FUNCTION(sword, OCILobIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobIsTemporary, (OCIEnv *, OCIError *, OCILobLocator *, boolean *));
+FUNCTION(sword, OCILobLoadFromFile, (OCISvcCtx *, OCIError *, OCILobLocator *,
+         OCILobLocator *, ub4, ub4, ub4));
+FUNCTION(sword, OCILobLoadFromFile2, (OCISvcCtx *, OCIError *, OCILobLocator *,
+         OCILobLocator *, oraub8, oraub8, oraub8));
+FUNCTION(sword, OCILobLocatorAssign, (OCISvcCtx *, OCIError *, const OCILobLocator *,
+         OCILobLocator **));
+FUNCTION(sword, OCILobLocatorIsInit, (OCIEnv *, OCIError *, const OCILobLocator *, boolean
+         *));
+FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
+FUNCTION(sword, OCILobRead, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4,
+         void *, ub4, void *, OCICallbackLobRead, ub2, ub1));
+FUNCTION(sword, OCILobRead2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
+         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobRead2, ub2, ub1));
+FUNCTION(sword, OCILobSetContentType, (OCIEnv *, OCISvcCtx *, OCIError *,
+         OCILobLocator *, const OraText *, ub4, ub4));
+FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
+FUNCTION(sword, OCILobTrim2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8));
+FUNCTION(sword, OCILobWrite, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4, void
+         *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
+FUNCTION(sword, OCILobWrite2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
+         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
+FUNCTION(sword, OCILobWriteAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *,
+         void *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
+FUNCTION(sword, OCILobWriteAppend2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
+         oraub8 *, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
+FUNCTION(sword, OCILogoff, (OCISvcCtx *, OCIError *));
+FUNCTION(sword, OCILogon, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
+         const OraText *, ub4, const OraText *, ub4));
+FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
+         const OraText *, ub4, const OraText *, ub4, ub4));
+FUNCTION(sword, OCIMemoryAlloc, (void *, OCIError *, void **, OCIDuration, ub4, ub4));
+FUNCTION(sword, OCIMemoryFree, (void *, OCIError *, void *));
+FUNCTION(OraText *, OCIMessageGet, (OCIMsg *, ub4, OraText *, size_t));
+FUNCTION(sword, OCIMessageOpen, (void *, OCIError *, OCIMsg **, const OraText *,
+         const OraText *, OCIDuration));
+FUNCTION(sword, OCIMultiByteInSizeToWideChar, (void *, OCIWchar *, size_t,
+         const OraText *, size_t, size_t *));
+FUNCTION(size_t, OCIMultiByteStrCaseConversion, (void *, OraText *, const OraText *,
+         ub4));
+FUNCTION(size_t, OCIMultiByteStrcat, (void *, OraText *, const OraText *));
+FUNCTION(int, OCIMultiByteStrcmp, (void *, const OraText *, const OraText *, int));
+FUNCTION(size_t, OCIMultiByteStrcpy, (void *, OraText *, const OraText *));
+FUNCTION(size_t, OCIMultiByteStrlen, (void *, const OraText *));
+FUNCTION(size_t, OCIMultiByteStrncat, (void *, OraText *, const OraText *, size_t));
+FUNCTION(int, OCIMultiByteStrncmp, (void *, const OraText *, size_t, const OraText *,
+         size_t, int));
+FUNCTION(size_t, OCIMultiByteStrncpy, (void *, OraText *, const OraText *, size_t));
+FUNCTION(size_t, OCIMultiByteStrnDisplayLength, (void *, const OraText *, size_t));
+FUNCTION(sword, OCIMultiByteToWideChar, (void *, OCIWchar *, const OraText *, size_t *));
+FUNCTION(sword, OCINlsCharSetConvert, (void *, OCIError *, ub2, void *, size_t, ub2,
+         const void *, size_t, size_t *));
+FUNCTION(sword, OCINlsCharSetIdToName, (void *, OraText *, size_t, ub2));
+FUNCTION(ub2, OCINlsCharSetNameToId, (void *, const OraText *));
+FUNCTION(sword, OCINlsEnvironmentVariableGet, (void *, size_t, ub2, ub2, size_t *));
+FUNCTION(sword, OCINlsGetInfo, (void *, OCIError *, OraText *, size_t, ub2));
+FUNCTION(sword, OCINlsNameMap, (void *, OraText *, size_t, const OraText *, ub4));
+FUNCTION(sword, OCINlsNumericInfoGet, (void *, OCIError *, sb4 *, ub2));
 FUNCTION(sword, OCINumberAbs, (OCIError *, const OCINumber *, OCINumber *));
 FUNCTION(sword, OCINumberAdd, (OCIError *, const OCINumber *, const OCINumber *, OCINumber *));
 FUNCTION(sword, OCINumberArcCos, (OCIError *, const OCINumber *, OCINumber *));
@@ -1338,150 +1590,64 @@ FUNCTION(sword, OCINumberToReal, (OCIError *, const OCINumber *, uword, void *))
 FUNCTION(sword, OCINumberToRealArray, (OCIError *, const OCINumber **, uword, uword, void *));
 FUNCTION(sword, OCINumberToText, (OCIError *, const OCINumber *, const OraText *, ub4, const OraText *, ub4, ub4 *, OraText *));
 FUNCTION(sword, OCINumberTrunc, (OCIError *, const OCINumber *, sword, OCINumber *));
-FUNCTION(sword, OCIDateToText, (OCIError *, const OCIDate *, const OraText *, ub1, const
-         OraText *, ub4, ub4 *, OraText *));
-FUNCTION(sword, OCIDateZoneToZone, (OCIError *, const OCIDate *, const OraText *, ub4,
-         const OraText *, ub4, OCIDate *));
-FUNCTION(sword, OCIDefineArrayOfStruct, (OCIDefine *, OCIError *, ub4, ub4, ub4, ub4));
-FUNCTION(sword, OCIDefineByPos, (OCIStmt *, OCIDefine **, OCIError *, ub4, void *, sb4,
-         ub2, void *, ub2 *, ub2 *, ub4));
-FUNCTION(sword, OCIDefineDynamic, (OCIDefine *, OCIError *, void *, OCICallbackDefine));
-FUNCTION(sword, OCIDescribeAny, (OCISvcCtx *, OCIError *, void *, ub4, ub1, ub1, ub1,
-         OCIDescribe *));
-FUNCTION(sword, OCIDescriptorAlloc, (const void *, void **, ub4, size_t, void **));
-FUNCTION(sword, OCIDescriptorFree, (void *, ub4));
-FUNCTION(sword, OCIDurationBegin, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration,
-         OCIDuration *));
-FUNCTION(sword, OCIDurationEnd, (OCIEnv *, OCIError *, const OCISvcCtx *, OCIDuration));
-FUNCTION(sword, OCIEnvCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
-         void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **));
-FUNCTION(sword, OCIEnvInit, (OCIEnv **, ub4, size_t, void **));
-FUNCTION(sword, OCIEnvNlsCreate, (OCIEnv **, ub4, void *, void *(*)(void *, size_t),
-         void *(*)(void *, void *, size_t), void (*)(void *, void *), size_t, void **,
-         ub2, ub2));
-FUNCTION(size_t, ocieperr, (OCIExtProcContext *, int));
-FUNCTION(sword, ociepgoe, (OCIExtProcContext *, OCIEnv **, OCISvcCtx **, OCIError **));
-FUNCTION(sword, OCIErrorGet, (void *, ub4, OraText *, sb4 *, OraText *, ub4, ub4));
-FUNCTION(sword, OCIFileClose, (void *, OCIError *, OCIFileObject *));
-FUNCTION(sword, OCIFileExists, (void *, OCIError *, OraText *, OraText *, ub1 *));
-FUNCTION(sword, OCIFileFlush, (void *, OCIError *, OCIFileObject *));
-FUNCTION(sword, OCIFileGetLength, (void *, OCIError *, OraText *, OraText *, ubig_ora *));
-FUNCTION(sword, OCIFileInit, (void *, OCIError *));
-FUNCTION(sword, OCIFileOpen, (void *, OCIError *, OCIFileObject **, OraText *, OraText *,
-         ub4, ub4, ub4));
-FUNCTION(sword, OCIFileRead, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
-FUNCTION(sword, OCIFileSeek, (void *, OCIError *, OCIFileObject *, uword, ubig_ora, sb1));
-FUNCTION(sword, OCIFileTerm, (void *, OCIError *));
-FUNCTION(sword, OCIFileWrite, (void *, OCIError *, OCIFileObject *, void *, ub4, ub4 *));
-FUNCTION(sword, OCIHandleAlloc, (const void *, void **, ub4, size_t, void **));
-FUNCTION(sword, OCIHandleFree, (void *, ub4));
-FUNCTION(sword, OCIInitialize, (ub4, void *, void *(*)(void *, size_t),
-         void *(*)(void *, void *, size_t), void (*)(void *, void *)));
-FUNCTION(sword, OCILobAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *));
-FUNCTION(sword, OCILobArrayRead, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **, oraub8
-         *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *, OCICallbackLobArrayRead,
-         ub2, ub1));
-FUNCTION(sword, OCILobArrayWrite, (OCISvcCtx *, OCIError *, ub4 *, OCILobLocator **,
-         oraub8 *, oraub8 *, oraub8 *, void **, oraub8 *, ub1, void *,
-         OCICallbackLobArrayWrite, ub2, ub1));
-FUNCTION(sword, OCILobAssign, (OCIEnv *, OCIError *, const OCILobLocator *, OCILobLocator
-         **));
-FUNCTION(sword, OCILobCharSetForm, (OCIEnv *, OCIError *, const OCILobLocator *, ub1 *));
-FUNCTION(sword, OCILobCharSetId, (OCIEnv *, OCIError *, const OCILobLocator *, ub2 *));
-FUNCTION(sword, OCILobClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobCopy, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
-         ub4, ub4, ub4));
-FUNCTION(sword, OCILobCopy2, (OCISvcCtx *, OCIError *, OCILobLocator *, OCILobLocator *,
-         oraub8, oraub8, oraub8));
-FUNCTION(sword, OCILobCreateTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *, ub2,
-         ub1, ub1, boolean, OCIDuration));
-FUNCTION(sword, OCILobDisableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobEnableBuffering, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobErase, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4));
-FUNCTION(sword, OCILobErase2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
-         oraub8));
-FUNCTION(sword, OCILobFileClose, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobFileCloseAll, (OCISvcCtx *, OCIError *));
-FUNCTION(sword, OCILobFileExists, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
-FUNCTION(sword, OCILobFileGetName, (OCIEnv *, OCIError *, const OCILobLocator *, OraText
-         *, ub2 *, OraText *, ub2 *));
-FUNCTION(sword, OCILobFileIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
-FUNCTION(sword, OCILobFileOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
-FUNCTION(sword, OCILobFileSetName, (OCIEnv *, OCIError *, OCILobLocator **, const OraText
-         *, ub2, const OraText *, ub2));
-FUNCTION(sword, OCILobFlushBuffer, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
-FUNCTION(sword, OCILobFreeTemporary, (OCISvcCtx *, OCIError *, OCILobLocator *));
-FUNCTION(sword, OCILobGetChunkSize, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
-FUNCTION(sword, OCILobGetLength, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *));
-FUNCTION(sword, OCILobGetLength2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *));
-FUNCTION(sword, OCILobGetStorageLimit, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8
-         *));
-FUNCTION(sword, OCILobIsEqual, (OCIEnv *, const OCILobLocator *, const OCILobLocator *,
-         boolean *));
-FUNCTION(sword, OCILobIsOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, boolean *));
-FUNCTION(sword, OCILobIsTemporary, (OCIEnv *, OCIError *, OCILobLocator *, boolean *));
-FUNCTION(sword, OCILobLoadFromFile, (OCISvcCtx *, OCIError *, OCILobLocator *,
-         OCILobLocator *, ub4, ub4, ub4));
-FUNCTION(sword, OCILobLoadFromFile2, (OCISvcCtx *, OCIError *, OCILobLocator *,
-         OCILobLocator *, oraub8, oraub8, oraub8));
-FUNCTION(sword, OCILobLocatorAssign, (OCISvcCtx *, OCIError *, const OCILobLocator *,
-         OCILobLocator **));
-FUNCTION(sword, OCILobLocatorIsInit, (OCIEnv *, OCIError *, const OCILobLocator *, boolean
-         *));
-FUNCTION(sword, OCILobOpen, (OCISvcCtx *, OCIError *, OCILobLocator *, ub1));
-FUNCTION(sword, OCILobRead, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4,
-         void *, ub4, void *, OCICallbackLobRead, ub2, ub1));
-FUNCTION(sword, OCILobRead2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
-         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobRead2, ub2, ub1));
-FUNCTION(sword, OCILobTrim, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4));
-FUNCTION(sword, OCILobTrim2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8));
-FUNCTION(sword, OCILobWrite, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *, ub4, void
-         *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
-FUNCTION(sword, OCILobWrite2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *, oraub8
-         *, oraub8, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
-FUNCTION(sword, OCILobWriteAppend, (OCISvcCtx *, OCIError *, OCILobLocator *, ub4 *,
-         void *, ub4, ub1, void *, OCICallbackLobWrite, ub2, ub1));
-FUNCTION(sword, OCILobWriteAppend2, (OCISvcCtx *, OCIError *, OCILobLocator *, oraub8 *,
-         oraub8 *, void *, oraub8, ub1, void *, OCICallbackLobWrite2, ub2, ub1));
-FUNCTION(sword, OCILogoff, (OCISvcCtx *, OCIError *));
-FUNCTION(sword, OCILogon, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
-         const OraText *, ub4, const OraText *, ub4));
-FUNCTION(sword, OCILogon2, (OCIEnv *, OCIError *, OCISvcCtx **, const OraText *, ub4,
-         const OraText *, ub4, const OraText *, ub4, ub4));
-FUNCTION(sword, OCIMemoryAlloc, (void *, OCIError *, void **, OCIDuration, ub4, ub4));
-FUNCTION(sword, OCIMemoryFree, (void *, OCIError *, void *));
-FUNCTION(sword, OCIMultiByteInSizeToWideChar, (void *, OCIWchar *, size_t,
-         const OraText *, size_t, size_t *));
-FUNCTION(size_t, OCIMultiByteStrCaseConversion, (void *, OraText *, const OraText *,
-         ub4));
-FUNCTION(size_t, OCIMultiByteStrcat, (void *, OraText *, const OraText *));
-FUNCTION(int, OCIMultiByteStrcmp, (void *, const OraText *, const OraText *, int));
-FUNCTION(size_t, OCIMultiByteStrcpy, (void *, OraText *, const OraText *));
-FUNCTION(size_t, OCIMultiByteStrlen, (void *, const OraText *));
-FUNCTION(size_t, OCIMultiByteStrnDisplayLength, (void *, const OraText *, size_t));
-FUNCTION(size_t, OCIMultiByteStrncat, (void *, OraText *, const OraText *, size_t));
-FUNCTION(int, OCIMultiByteStrncmp, (void *, const OraText *, size_t, const OraText *,
-         size_t, int));
-FUNCTION(size_t, OCIMultiByteStrncpy, (void *, OraText *, const OraText *, size_t));
-FUNCTION(sword, OCIMultiByteToWideChar, (void *, OCIWchar *, const OraText *, size_t *));
-FUNCTION(sword, OCINlsCharSetConvert, (void *, OCIError *, ub2, void *, size_t, ub2,
-         const void *, size_t, size_t *));
-FUNCTION(sword, OCINlsCharSetIdToName, (void *, OraText *, size_t, ub2));
-FUNCTION(ub2, OCINlsCharSetNameToId, (void *, const OraText *));
-FUNCTION(sword, OCINlsEnvironmentVariableGet, (void *, size_t, ub2, ub2, size_t *));
-FUNCTION(sword, OCINlsGetInfo, (void *, OCIError *, OraText *, size_t, ub2));
-FUNCTION(sword, OCINlsNameMap, (void *, OraText *, size_t, const OraText *, ub4));
-FUNCTION(sword, OCINlsNumericInfoGet, (void *, OCIError *, sb4 *, ub2));
+FUNCTION(sword, OCIObjectArrayPin, (OCIEnv *, OCIError *, OCIRef **, ub4,
+         OCIComplexObject **, ub4, OCIPinOpt, OCIDuration, OCILockOpt, void **, ub4 *));
+FUNCTION(sword, OCIObjectCopy, (OCIEnv *, OCIError *, const OCISvcCtx *, void *, void *,
+         void *, void *, OCIType *, OCIDuration, ub1));
+FUNCTION(sword, OCIObjectExists, (OCIEnv *, OCIError *, void *, boolean *));
+FUNCTION(sword, OCIObjectFree, (OCIEnv *, OCIError *, void *, ub2));
+FUNCTION(sword, OCIObjectGetAttr, (OCIEnv *, OCIError *, void *, void *, OCIType *,
+         const OraText **, const ub4 *, ub4, const ub4 *, ub4, OCIInd *, void **,
+         void **, OCIType **));
+FUNCTION(sword, OCIObjectGetInd, (OCIEnv *, OCIError *, void *, void **));
+FUNCTION(sword, OCIObjectGetObjectRef, (OCIEnv *, OCIError *, void *, OCIRef *));
+FUNCTION(sword, OCIObjectGetProperty, (OCIEnv *, OCIError *, const void *,
+         OCIObjectPropId, void *, ub4 *));
+FUNCTION(sword, OCIObjectGetTypeRef, (OCIEnv *, OCIError *, void *, OCIRef *));
+FUNCTION(sword, OCIObjectIsLocked, (OCIEnv *, OCIError *, void *, boolean *));
+FUNCTION(sword, OCIObjectLock, (OCIEnv *, OCIError *, void *));
+FUNCTION(sword, OCIObjectLockNoWait, (OCIEnv *, OCIError *, void *));
+FUNCTION(sword, OCIObjectMarkDelete, (OCIEnv *, OCIError *, void *));
+FUNCTION(sword, OCIObjectMarkDeleteByRef, (OCIEnv *, OCIError *, OCIRef *));
+FUNCTION(sword, OCIObjectNew, (OCIEnv *, OCIError *, const OCISvcCtx *, OCITypeCode,
+         OCIType *, void *, OCIDuration, boolean, void **));
+FUNCTION(sword, OCIObjectPin, (OCIEnv *, OCIError *, OCIRef *, OCIComplexObject *,
+         OCIPinOpt, OCIDuration, OCILockOpt, void **));
+FUNCTION(sword, OCIObjectPinTable, (OCIEnv *, OCIError *, const OCISvcCtx *,
+         const OraText *, ub4, const OraText *, ub4, void *, OCIDuration, void **));
+FUNCTION(sword, OCIObjectRefresh, (OCIEnv *, OCIError *, void *));
+FUNCTION(sword, OCIObjectSetAttr, (OCIEnv *, OCIError *, void *, void *, OCIType *,
+         const OraText **, const ub4 *, ub4, const ub4 *, ub4, OCIInd, const void *,
+         const void *));
+FUNCTION(sword, OCIObjectUnmarkByRef, (OCIEnv *, OCIError *, OCIRef *));
+FUNCTION(sword, OCIObjectUnpin, (OCIEnv *, OCIError *, void *));
 FUNCTION(sword, OCIParamGet, (const void *, ub4, OCIError *, void **, ub4));
 FUNCTION(sword, OCIParamSet, (void *, ub4, OCIError *, const void *, ub4, ub4));
 FUNCTION(sword, OCIPasswordChange, (OCISvcCtx *, OCIError *, const OraText *, ub4, const
          OraText *, ub4, const OraText *, ub4, ub4));
 FUNCTION(sword, OCIPGErrorGet, (void *, ub4, OraText *, ub4, OraText *, ub4, ub4));
 FUNCTION(sword, OCIPing, (OCISvcCtx *, OCIError *, ub4));
+FUNCTION(sword, OCIRawAllocSize, (OCIEnv *, OCIError *, const OCIRaw *, ub4 *));
+FUNCTION(sword, OCIRawAssignBytes, (OCIEnv *, OCIError *, const ub1 *, ub4, OCIRaw **));
+FUNCTION(sword, OCIRawAssignRaw, (OCIEnv *, OCIError *, const OCIRaw *, OCIRaw **));
+FUNCTION(ub1 *, OCIRawPtr, (OCIEnv *, const OCIRaw *));
+FUNCTION(sword, OCIRawResize, (OCIEnv *, OCIError *, ub4, OCIRaw **));
+FUNCTION(ub4, OCIRawSize, (OCIEnv *, const OCIRaw *));
+FUNCTION(sword, OCIRefAssign, (OCIEnv *, OCIError *, const OCIRef *, OCIRef **));
+FUNCTION(void, OCIRefClear, (OCIEnv *, OCIRef *));
+FUNCTION(sword, OCIRefFromHex, (OCIEnv *, OCIError *, const OCISvcCtx *,
+         const OraText *, ub4, OCIRef **));
+FUNCTION(ub4, OCIRefHexSize, (OCIEnv *, const OCIRef *));
+FUNCTION(boolean, OCIRefIsNull, (OCIEnv *, const OCIRef *));
+FUNCTION(sword, OCIRefToHex, (OCIEnv *, OCIError *, const OCIRef *, OraText *, ub4 *));
 FUNCTION(sword, OCIReset, (void *, OCIError *));
+FUNCTION(sword, OCIResultSetToStmt, (OCIResult *, OCIError *));
+FUNCTION(sword, OCIRowidToChar, (OCIRowid *, OraText *, ub2 *, OCIError *));
 FUNCTION(sword, OCIServerAttach, (OCIServer *, OCIError *, const OraText *, sb4, ub4));
 FUNCTION(sword, OCIServerDetach, (OCIServer *, OCIError *, ub4));
 FUNCTION(sword, OCIServerRelease, (void *, OCIError *, OraText *, ub4, ub1, ub4 *));
+FUNCTION(sword, OCIServerRelease2, (void *, OCIError *, OraText *, ub4, ub1, ub4 *,
+         ub4));
 FUNCTION(sword, OCIServerVersion, (void *, OCIError *, OraText *, ub4, ub1));
 FUNCTION(sword, OCISessionBegin, (OCISvcCtx *, OCIError *, OCISession *, ub4, ub4));
 FUNCTION(sword, OCISessionEnd, (OCISvcCtx *, OCIError *, OCISession *, ub4));
@@ -1492,12 +1658,62 @@ FUNCTION(sword, OCISessionPoolCreate, (OCIEnv *, OCIError *, OCISPool *, OraText
          ub4));
 FUNCTION(sword, OCISessionPoolDestroy, (OCISPool *, OCIError *, ub4));
 FUNCTION(sword, OCISessionRelease, (OCISvcCtx *, OCIError *, OraText *, ub4, ub4));
+FUNCTION(sword, OCIShardingKeyColumnAdd, (void *, OCIError *, void *, ub4, ub2, ub4));
+FUNCTION(sword, OCISodaBulkInsert, (OCISvcCtx *, void *, void **, ub4, void *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaBulkInsertAndGet, (OCISvcCtx *, void *, void **, ub4, void *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaBulkInsertAndGetWithOpts, (OCISvcCtx *, void *, void **, ub4,
+         void *, void *, OCIError *, ub4));
+FUNCTION(sword, OCISodaCollCreateWithMetadata, (OCISvcCtx *, const OraText *, ub4,
+         const OraText *, ub4, void **, OCIError *, ub4));
+FUNCTION(sword, OCISodaCollDrop, (OCISvcCtx *, void *, int *, OCIError *, ub4));
+FUNCTION(sword, OCISodaCollGetNext, (OCISvcCtx *, const void *, void **, OCIError *,
+         ub4));
+FUNCTION(sword, OCISodaCollList, (OCISvcCtx *, const OraText *, ub4, void **,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaCollOpen, (OCISvcCtx *, const OraText *, ub4, void **,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaCollTruncate, (OCISvcCtx *, void *, OCIError *, ub4));
+FUNCTION(sword, OCISodaDataGuideGet, (OCISvcCtx *, const void *, ub4, void **,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaDocCount, (OCISvcCtx *, const void *, const void *, ub8 *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaDocGetNext, (OCISvcCtx *, const void *, void **, OCIError *,
+         ub4));
+FUNCTION(sword, OCISodaFind, (OCISvcCtx *, const void *, const void *, ub4, void **,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaFindOne, (OCISvcCtx *, const void *, const void *, ub4, void **,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaIndexCreate, (OCISvcCtx *, const void *, const OraText *, ub4,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaIndexDrop, (OCISvcCtx *, const OraText *, ub4, int *, OCIError *,
+         ub4));
+FUNCTION(sword, OCISodaIndexList, (OCISvcCtx *, const void *, ub4, void **, OCIError *,
+         ub4));
+FUNCTION(sword, OCISodaInsert, (OCISvcCtx *, void *, void *, OCIError *, ub4));
+FUNCTION(sword, OCISodaInsertAndGet, (OCISvcCtx *, void *, void **, OCIError *, ub4));
+FUNCTION(sword, OCISodaInsertAndGetWithOpts, (OCISvcCtx *, void *, void **, void *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaOperKeysSet, (const void *, const OraText **, ub4 *, ub4,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaRemove, (OCISvcCtx *, const void *, const void *, ub8 *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaReplOne, (OCISvcCtx *, const void *, const void *, void *, int *,
+         OCIError *, ub4));
+FUNCTION(sword, OCISodaReplOneAndGet, (OCISvcCtx *, const void *, const void *, void **,
+         int *, OCIError *, ub4));
+FUNCTION(sword, OCISodaSave, (OCISvcCtx *, void *, void *, OCIError *, ub4));
+FUNCTION(sword, OCISodaSaveAndGet, (OCISvcCtx *, void *, void **, OCIError *, ub4));
+FUNCTION(sword, OCISodaSaveAndGetWithOpts, (OCISvcCtx *, void *, void **, void *,
+         OCIError *, ub4));
 FUNCTION(sword, OCIStmtExecute, (OCISvcCtx *, OCIStmt *, OCIError *, ub4, ub4, const
          OCISnapshot *, OCISnapshot *, ub4));
 FUNCTION(sword, OCIStmtFetch, (OCIStmt *, OCIError *, ub4, ub2, ub4));
 FUNCTION(sword, OCIStmtFetch2, (OCIStmt *, OCIError *, ub4, ub2, sb4, ub4));
 FUNCTION(sword, OCIStmtGetBindInfo, (OCIStmt *, OCIError *, ub4, ub4, sb4 *,
          OraText *[], ub1 [], OraText *[], ub1 [], ub1 [], OCIBind **));
+FUNCTION(sword, OCIStmtGetNextResult, (OCIStmt *, OCIError *, void **, ub4 *, ub4));
 FUNCTION(sword, OCIStmtGetPieceInfo, (const OCIStmt *, OCIError *, void **, ub4 *, ub1 *,
          ub4 *, ub4 *, ub1 *));
 FUNCTION(sword, OCIStmtPrepare, (OCIStmt *, OCIError *, const OraText *, ub4, ub4,
@@ -1513,6 +1729,32 @@ FUNCTION(sword, OCIStringAssignText, (OCIEnv *, OCIError *, const OraText *, ub4
 FUNCTION(OraText *, OCIStringPtr, (OCIEnv *, const OCIString *));
 FUNCTION(sword, OCIStringResize, (OCIEnv *, OCIError *, ub4, OCIString **));
 FUNCTION(ub4, OCIStringSize, (OCIEnv *, const OCIString *));
+FUNCTION(sword, OCISubscriptionEnable, (OCISubscription *, OCIError *, ub4));
+FUNCTION(sword, OCISubscriptionPost, (OCISvcCtx *, OCISubscription **, ub2, OCIError *,
+         ub4));
+FUNCTION(sword, OCISubscriptionRegister, (OCISvcCtx *, OCISubscription **, ub2,
+         OCIError *, ub4));
+FUNCTION(sword, OCISubscriptionUnRegister, (OCISvcCtx *, OCISubscription *, OCIError *,
+         ub4));
+FUNCTION(sword, OCISvcCtxToLda, (OCISvcCtx *, OCIError *, Lda_Def *));
+FUNCTION(sword, OCITableDelete, (OCIEnv *, OCIError *, sb4, OCITable *));
+FUNCTION(sword, OCITableExists, (OCIEnv *, OCIError *, const OCITable *, sb4,
+         boolean *));
+FUNCTION(sword, OCITableFirst, (OCIEnv *, OCIError *, const OCITable *, sb4 *));
+FUNCTION(sword, OCITableLast, (OCIEnv *, OCIError *, const OCITable *, sb4 *));
+FUNCTION(sword, OCITableNext, (OCIEnv *, OCIError *, sb4, const OCITable *, sb4 *,
+         boolean *));
+FUNCTION(sword, OCITablePrev, (OCIEnv *, OCIError *, sb4, const OCITable *, sb4 *,
+         boolean *));
+FUNCTION(sword, OCITableSize, (OCIEnv *, OCIError *, const OCITable *, sb4 *));
+FUNCTION(sword, OCIUserCallbackRegister,
+         (void *, ub4, void *, OCIUserCallback, void *, ub4, ub4, OCIUcb *));
+FUNCTION(sword, OCIUserCallbackGet,
+         (void *, ub4, void *, ub4, ub4, OCIUserCallback *, void **, OCIUcb *));
+FUNCTION(sword, OCISharedLibInit,
+         (void *, void *, ub4, sb4, void **, OCIEnvCallbackType));
+FUNCTION(OCIEnv *, xaoEnv, (OraText *));
+FUNCTION(OCISvcCtx *, xaoSvcCtx, (OraText *));
 FUNCTION(sword, OCITerminate, (ub4));
 FUNCTION(sword, OCIThreadClose, (void *, OCIError *, OCIThreadHandle *));
 FUNCTION(sword, OCIThreadCreate, (void *, OCIError *, void (*)(void *), void *, OCIThreadId
@@ -1543,11 +1785,35 @@ FUNCTION(sword, OCIThreadMutexRelease, (void *, OCIError *, OCIThreadMutex *));
 FUNCTION(void, OCIThreadProcessInit, (void));
 FUNCTION(sword, OCIThreadTerm, (void *, OCIError *));
 FUNCTION(sword, OCITransCommit, (OCISvcCtx *, OCIError *, ub4));
+FUNCTION(sword, OCITransDetach, (OCISvcCtx *, OCIError *, ub4));
+FUNCTION(sword, OCITransForget, (OCISvcCtx *, OCIError *, ub4));
+FUNCTION(sword, OCITransMultiPrepare, (OCISvcCtx *, ub4, OCITrans **, OCIError **));
 FUNCTION(sword, OCITransPrepare, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransRollback, (OCISvcCtx *, OCIError *, ub4));
 FUNCTION(sword, OCITransStart, (OCISvcCtx *, OCIError *, uword, ub4));
+FUNCTION(sword, OCITypeAddAttr, (OCISvcCtx *, OCIError *, OCIType *, const OraText *,
+         ub4, OCIParam *));
+FUNCTION(sword, OCITypeArrayByName, (OCIEnv *, OCIError *, const OCISvcCtx *, ub4,
+         const OraText **, ub4 *, const OraText **, ub4 *, const OraText **, ub4 *,
+         OCIDuration, OCITypeGetOpt, OCIType **));
+FUNCTION(sword, OCITypeArrayByRef, (OCIEnv *, OCIError *, ub4, const OCIRef **,
+         OCIDuration, OCITypeGetOpt, OCIType **));
+FUNCTION(sword, OCITypeByName, (OCIEnv *, OCIError *, const OCISvcCtx *,
+         const OraText *, ub4, const OraText *, ub4, const OraText *, ub4, OCIDuration,
+         OCITypeGetOpt, OCIType **));
+FUNCTION(sword, OCITypeByRef, (OCIEnv *, OCIError *, const OCIRef *, OCIDuration,
+         OCITypeGetOpt, OCIType **));
+FUNCTION(OCITypeCode, OCITypeTypeCode, (OCIEnv *, OCIError *, const OCIType *));
 FUNCTION(sword, OCIUnicodeToCharSet, (void *, OraText *, size_t, const ub2 *, size_t,
          size_t *));
+FUNCTION(sword, OCIVectorFromArray, (void *, OCIError *, ub1, ub4, void *, ub4));
+FUNCTION(sword, OCIVectorFromSparseArray, (void *, OCIError *, ub1, ub4, ub4, void *,
+         void *, ub4));
+FUNCTION(sword, OCIVectorFromText, (OCIVector *, OCIError *, ub1, ub4, const OraText *,
+         ub4, ub4));
+FUNCTION(sword, OCIVectorToArray, (void *, OCIError *, ub1, ub4 *, void *, ub4));
+FUNCTION(sword, OCIVectorToSparseArray, (void *, OCIError *, ub1, ub4 *, ub4 *, void *,
+         void *, ub4));
 FUNCTION(sword, OCIWideCharInSizeToMultiByte, (void *, OraText *, size_t,
          const OCIWchar *, size_t, size_t *));
 FUNCTION(boolean, OCIWideCharIsAlnum, (void *, OCIWchar));
@@ -1593,10 +1859,17 @@ CALLBACK(sb4, OCICallbackLobWrite,
          (void *, void *, ub4 *, ub1 *));
 CALLBACK(sb4, OCICallbackLobRead2,
          (void *, const void *, oraub8, ub1, void **, oraub8 *));
+CALLBACK(sb4, OCICallbackAQEnq,
+         (void *, void **, void **));
+CALLBACK(sb4, OCICallbackAQDeq,
+         (void *, void **, void **));
 CALLBACK(sb4, OCICallbackFailover,
          (void *, void *, void *, ub4, ub4));
+CALLBACK(ub4, OCISubscriptionNotify,
+         (void *, OCISubscription *, void *, ub4, void *, ub4));
 CALLBACK(sword, OCIUserCallback,
          (void *, void *, ub4, ub4, ub4, sword, sb4 *, va_list));
+CALLBACK(sword, OCIEnvCallbackType, (OCIEnv *, ub4, size_t, void *, OCIUcb *));
 CALLBACK(void, OCIThreadKeyDestFunc,
          (void *));
 /* clang-format on */

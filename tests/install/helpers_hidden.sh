@@ -10,4 +10,4 @@ options=("${@:4}")
   -DZEVOCI_BUILD_TESTS=OFF -DZEVOCI_BUILD_EXAMPLES=OFF -DZEVOCI_BUILD_BENCH=OFF > /dev/null
 "$cmake" --build "$scratch" --target zevoci --parallel 2 > "$scratch/build.log" ||
   { tail -40 "$scratch/build.log" >&2; exit 1; }
-"$source/tests/install/symbols.sh" "$scratch/libzevoci.so" "$source/cmake/published.exports"
+"$source/tests/install/symbols.sh" "$scratch/libzevoci.so" "$scratch/published.exports"

@@ -19,8 +19,12 @@ soname=$(readelf -d "$lib/libzevoci.so" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
 [ "$soname" = libzevoci.so.11 ] || fail "SONAME is $soname"
 
 installed=$(cd "$scratch/prefix/include" && find . -type f | sed 's|^\./||' | sort | tr '\n' ' ')
-expected="nzt.h oci.h oci1.h ociap.h ociapr.h ocidfn.h oratypes.h ori.h orl.h oro.h ort.h xa.h "
+expected="nzt.h oci.h oci1.h ociap.h ociapr.h ocidfn.h ociextp.h ocixmldb.h oratypes.h ori.h"
+expected+=" orl.h oro.h ort.h xa.h "
 [ "$installed" = "$expected" ] || fail "headers installed: $installed"
+
+"$scratch/prefix/bin/ocicheck" "$lib/libzevoci.so" > /dev/null || fail "ocicheck does not run"
+[ ! -e "$lib/libclntsh.so" ] || fail "the drop-in tree came uncalled for"
 
 # The tree works where it was moved to, too: the consumers use it there.
 mv "$scratch/prefix" "$scratch/moved"

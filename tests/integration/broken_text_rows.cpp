@@ -222,6 +222,16 @@ constexpr BrokenTextRow kRows[] = {
      [](P p, T t) { return bindByName(p, t, t.size<sb4>()); }},
     {"OCIBindByName", "placeholder", EndsBy::Terminator, RecordedOn::Error,
      [](P p, T t) { return bindByName(p, t, -1); }},
+    {"OCIBindByName2", "placeholder", EndsBy::Length, RecordedOn::Error,
+     [](P p, T t) {
+       Statement stmt(p.env, p.err, p.svc);
+       EXPECT_EQ(stmt.prepare("SELECT :v::int"), OCI_SUCCESS);
+       sb4 value = 1;
+       OCIBind *bind = nullptr;
+       return OCIBindByName2(stmt.handle(), &bind, p.err, t.text(), t.size<sb4>(), &value,
+                             sizeof value, SQLT_INT, nullptr, nullptr, nullptr, 0,
+                             nullptr, OCI_DEFAULT);
+     }},
     {"OCIDescribeAny", "objptr", EndsBy::Length, RecordedOn::Error,
      [](P p, T t) {
        auto *describe = static_cast<OCIDescribe *>(p.alloc(OCI_HTYPE_DESCRIBE));

@@ -3,14 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zevoci/connection.h"
 #include "zevoci/errors.h"
 #include "zevoci/statement.h"
+#include "zevoci/trace.h"
 #include "zevoci/transaction.h"
 
 namespace zev::test {
@@ -112,5 +115,27 @@ class Variable {
   std::string former_;
   bool had_ = false;
 };
+
+/// The texts of the narrative lines that `work` traces up to `level`, one a line.
+template <class Work>
+std::string traced(int level, const Work &work) {
+  std::FILE *log = std::tmpfile();
+  const std::uint64_t mask = std::exchange(oci_debug_mask, 0);
+  oci_debug_log = log;
+  OCI2PQ_TRACE_LEVEL = level;
+  work();
+  oci_debug_log = nullptr;
+  oci_debug_mask = mask;
+  OCI2PQ_TRACE_LEVEL = 0;
+  std::rewind(log);
+  std::string text;
+  char line[256];
+  while (std::fgets(line, sizeof line, log)) {
+    const std::string_view whole(line);
+    text += whole.substr(whole.find("]: ") + 3);
+  }
+  std::fclose(log);
+  return text;
+}
 
 }  // namespace zev::test

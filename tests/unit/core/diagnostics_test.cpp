@@ -1,5 +1,10 @@
 /// The diagnostic queries and plain commands on a live connection.
+#include <sys/socket.h>
+
+#include <utility>
+
 #include "server_fixture.h"
+#include "stmt/portal.h"
 #include "zevoci/trace.h"
 
 namespace zev::test {
@@ -118,6 +123,46 @@ TEST_F(Diagnostics, ASessionsStartIsTracedWithItsAddressAndNotItsPassword) {
                       "], user [" + at.user + "] app [app] uri [(null)]\n"),
             text.npos);
   EXPECT_NE(text.find("OCISessionBegin() OK\n"), text.npos);
+}
+
+TEST_F(Diagnostics, ASessionThatCannotBeSetUpIsTracedByItsStep) {
+  OCISessionEnd(svchp, errhp, session, OCI_DEFAULT);
+  svchp->server = server;
+  const auto begin = [this] {
+    EXPECT_EQ(OCISessionBegin(svchp, errhp, session, OCI_CRED_RDBMS, OCI_DEFAULT),
+              OCI_ERROR);
+  };
+  const auto endsWith = [](const std::string &text, const std::string &line) {
+    return text.ends_with("OCISessionBegin: " + line);
+  };
+  constexpr sb4 kMuleInternal = 7;  // the server has no conversion from it
+  const sb4 encoding = std::exchange(env.get()->encoding, kMuleInternal);
+  EXPECT_TRUE(endsWith(traced(0x4000, begin), "PQsetClientEncoding failed\n"));
+  env.get()->encoding = encoding;
+  PQfinish(std::exchange(server->conn, nullptr));
+  const Variable format("NLS_DATE_FORMAT", "DD");  // no statement of this server
+  EXPECT_TRUE(endsWith(traced(0x4000, begin), "PQexec(set datestyle) failed\n"));
+  PQfinish(std::exchange(server->conn, nullptr));
+}
+
+TEST_F(Diagnostics, ObjectsThatCannotBeClosedAreTraced) {
+  EXPECT_EQ(traced(0x400, [this] { deallocateStatement(server, errhp, "absent"); }),
+            "deallocateStatement: deallocating absent\n"
+            "deallocateCursor: deallocating absent FAILED\n");
+  auto *stmt = env.alloc<OCIStmt>(OCI_HTYPE_STMT);
+  prepareCursor(server, stmt, errhp);
+  stmt->isRefCursor = 1;
+  stmt->cursor->stmtName = strdup("absent");
+  EXPECT_EQ(traced(0x400, [&] { deallocateCursor(server, stmt, errhp, 1); }),
+            "closeStatement: closing absent\ncloseStatement: closing absent FAILED\n");
+  std::free(std::exchange(stmt->cursor->stmtName, nullptr));
+  stmt->isRefCursor = 0;
+  stmt->cursor->portalName = strdup("absent");
+  shutdown(PQsocket(server->conn), SHUT_RDWR);
+  PQclear(PQexec(server->conn, "select 1"));
+  EXPECT_EQ(traced(0x400, [&] { closePortal(stmt->cursor, errhp); }),
+            "closePortal: closing absent\nclosePortal: close of absent FAILED\n");
+  std::free(std::exchange(stmt->cursor->portalName, nullptr));
 }
 
 TEST_F(Diagnostics, ASimpleCommandsNoticesGoToItsErrorHandleForThatCallOnly) {

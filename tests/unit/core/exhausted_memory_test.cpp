@@ -1,12 +1,15 @@
 /// What a call does when memory runs out in its midst: each allocation of a call fails in
 /// turn, once alone and once with all that follow. The library's calls of malloc, calloc
 /// and strdup come here first (linker option --wrap), those of C++ by replacement.
+#include <ociap.h>
+
 #include <functional>
 
 #include "core/edge_text.h"
 #include "core_fixture.h"
 #include "failing_allocator.h"
 #include "zevoci/encodings.h"
+#include "zevoci/user_callbacks.h"
 
 namespace zev::test {
 namespace {
@@ -97,6 +100,39 @@ TEST_P(ExhaustedMemory, AnEnvironmentIsMadeWholeOrNotAtAll) {
   }
 }
 
+sword silent(void *, void *, ub4, ub4, ub4, sword, sb4 *, va_list) {
+  return OCI_CONTINUE;
+}
+
+TEST_P(ExhaustedMemory, ACallbackIsRegisteredWholeOrNotAtAll) {
+  const Environment env;
+  for (sb4 registered = 0; registered < 5; ++registered) {
+    const auto count = [&] {
+      const UcbList *list = env.get()->exitUcbs[OCI_FNCODE_HANDLEALLOC];
+      return list ? list->count : 0;
+    };
+    exhaust(
+        [&] {
+          return OCIUserCallbackRegister(env.get(), OCI_HTYPE_ENV, env.errhp(), silent,
+                                         nullptr, OCI_FNCODE_HANDLEALLOC,
+                                         OCI_UCBTYPE_EXIT, nullptr);
+        },
+        [&](sword status) {
+          EXPECT_EQ(status, OCI_ERROR);
+          EXPECT_EQ(count(), registered);
+        });
+    EXPECT_EQ(count(), registered + 1);
+  }
+}
+
+TEST_P(ExhaustedMemory, AnEnvironmentWithoutItsPackagesIsStillOne) {
+  const Variable packages("ORA_OCI_UCBPKG",
+                          "a package of a name that is long;and another of such a name");
+  Environment env;
+  exhaust([&] { return o2pLoadUCBs(env.get()); },
+          [](sword status) { EXPECT_LE(status, OCI_SUCCESS); });
+}
+
 TEST_P(ExhaustedMemory, ALocaleIsSplitIntoCopiesThatMayBeMissing) {
   char *parts[3] = {};
   exhaust(
@@ -137,6 +173,26 @@ TEST_P(ExhaustedMemory, AHandleIsAllocatedWithItsUserMemoryOrNotAtAll) {
     EXPECT_EQ(list_length(stmt->binds), 1u);
     EXPECT_EQ(list_length(stmt->defines), 1u);
   }
+}
+
+TEST_P(ExhaustedMemory, AnArrayOfDescriptorsIsMadeWholeOrNotAtAll) {
+  Environment env;
+  const ub4 before = list_length(env.get()->children);
+  void *made[3] = {};
+  void *memory = nullptr;
+  exhaust(
+      [&] {
+        return OCIArrayDescriptorAlloc(env.get(), made, OCI_DTYPE_TIMESTAMP, 3, 8,
+                                       &memory);
+      },
+      [&](sword status) {
+        expectOutOfMemory(status, env.get()->errh);
+        for (const void *descriptor : made) EXPECT_EQ(descriptor, nullptr);
+        EXPECT_EQ(list_length(env.get()->children), before);
+        EXPECT_EQ(list_length(env.get()->descriptorArrays), 0u);
+      });
+  EXPECT_EQ(list_length(env.get()->children), before + 3);
+  EXPECT_EQ(OCIArrayDescriptorFree(made, OCI_DTYPE_TIMESTAMP), OCI_SUCCESS);
 }
 
 TEST_P(ExhaustedMemory, AServerIsAttachedToItsAddressOrNotAtAll) {

@@ -1,7 +1,7 @@
 /// What happens around the work of each exported function: callbacks of the three stages
 /// and the clearing of the error handle.
 #include "core/frame_rows.h"
-#include "server_fixture.h"
+#include "frame_fixture.h"
 
 namespace zev::test {
 namespace {
@@ -72,49 +72,6 @@ class Callbacks {
   std::vector<std::unique_ptr<Probe>> probes_;
   Stage stages_[3];
 };
-
-constexpr const char *kSelect = "select 1 where 1 = :a ";
-
-class FrameFixture : public ServerTest {
- public:
-  using ServerTest::env, ServerTest::errhp, ServerTest::svchp, ServerTest::server,
-      ServerTest::session;
-
-  sword exec(ub4 iters = 1) {
-    return OCIStmtExecute(svchp, stmt, errhp, iters, 0, nullptr, nullptr, OCI_DEFAULT);
-  }
-  sword prepare(std::string_view text) {
-    return OCIStmtPrepare(stmt, errhp, asText(text), static_cast<ub4>(text.size()),
-                          OCI_NTV_SYNTAX, OCI_DEFAULT);
-  }
-  sword prepare2() {
-    OCIStmt *found = nullptr;
-    const sword status = OCIStmtPrepare2(svchp, &found, errhp, asText(kSelect), 22,
-                                         nullptr, 0, OCI_NTV_SYNTAX, OCI_DEFAULT);
-    made = found;
-    return status;
-  }
-  sword define() {
-    return OCIDefineByPos(stmt, &defined, errhp, 1, &number, sizeof number, SQLT_INT,
-                          nullptr, nullptr, nullptr, OCI_DEFAULT);
-  }
-  sword bind() {
-    return OCIBindByName(stmt, &bound, errhp, asText(":a"), 2, &number, sizeof number,
-                         SQLT_INT, nullptr, nullptr, nullptr, 0, nullptr, OCI_DEFAULT);
-  }
-  void link(void *handle, ub4 attribute) {
-    OCIAttrSet(svchp, OCI_HTYPE_SVCCTX, handle, 0, attribute, errhp);
-  }
-  void transaction() { link(env.alloc<OCITrans>(OCI_HTYPE_TRANS), OCI_ATTR_TRANS); }
-
-  OCIStmt *stmt = env.alloc<OCIStmt>(OCI_HTYPE_STMT);
-  OCIBind *bound = nullptr;
-  OCIDefine *defined = nullptr;
-  int number = 1;
-  void *made = nullptr;
-  OraText text[200] = {};
-};
-using F = FrameFixture;
 
 struct FrameCase {
   const char *name;

@@ -1,59 +1,11 @@
-/// Every function that does nothing, with and without the operator's leave to go on.
-#include <ociap.h>
-
-#include <algorithm>
-#include <array>
+/// Every function that ends the process, with and without the operator's leave to go on.
 #include <functional>
 
-#include "core_fixture.h"
+#include "stub_calls.h"
 #include "zevoci/user_callbacks.h"
 
 namespace zev::test {
 namespace {
-
-constexpr const char *kGoOn = "ZEV_OCI_UIFCTN_RET_OK";
-
-/// Values for the parameters of any function: handles where they are asked for, and for
-/// each other pointer a block whose bytes are looked at afterwards.
-class Arguments {
- public:
-  explicit Arguments(Environment &env)
-      : env_(env),
-        svchp_(env.alloc<OCISvcCtx>(OCI_HTYPE_SVCCTX)),
-        stmtp_(env.alloc<OCIStmt>(OCI_HTYPE_STMT)) {}
-
-  template <class T>
-  T make() {
-    if constexpr (std::is_same_v<T, OCIEnv *>) {
-      return env_.get();
-    } else if constexpr (std::is_same_v<T, OCIError *>) {
-      return env_.errhp();
-    } else if constexpr (std::is_same_v<T, OCISvcCtx *>) {
-      return svchp_;
-    } else if constexpr (std::is_same_v<T, const OCIStmt *>) {
-      return stmtp_;
-    } else if constexpr (std::is_pointer_v<T> &&
-                         !std::is_function_v<std::remove_pointer_t<T>>) {
-      return static_cast<T>(static_cast<void *>(block_.data()));
-    } else {
-      return T{};
-    }
-  }
-  bool areUntouched() const {
-    return std::ranges::all_of(block_, [](unsigned char c) { return c == 0; });
-  }
-
- private:
-  Environment &env_;
-  OCISvcCtx *svchp_;
-  OCIStmt *stmtp_;
-  alignas(16) std::array<unsigned char, 512> block_ = {};
-};
-
-template <class... Parameters>
-sword callWith(Arguments &arguments, sword (*function)(Parameters...)) {
-  return function(arguments.make<Parameters>()...);
-}
 
 /// A function, and its code when callbacks may watch it.
 struct Stub {
@@ -64,17 +16,31 @@ struct Stub {
 
 #define ROW(name, code) \
   Stub{#name, [](Arguments &arguments) { return callWith(arguments, name); }, code},
-#define FRAME_STUB(name, code, ...) ROW(name, code)
-#define QUIET_FRAME_STUB(name, code, ...) ROW(name, code)
-#define PLAIN_STUB(name, ...) ROW(name, 0)
-#define BARE_STUB(name, ...) ROW(name, 0)
+#define FRAME_STUB(result, name, parameters, code, ...) ROW(name, code)
+#define QUIET_FRAME_STUB(result, name, parameters, code, ...) ROW(name, code)
+#define OBJECT_STUB(result, name, parameters, code, ...) ROW(name, code)
+#define PLAIN_STUB(result, name, ...) ROW(name, 0)
+#define BARE_STUB(result, name, ...) ROW(name, 0)
+#define WORKS(...)
+#define FAILS(...)
+#define SOFT_STUB(...)
+#define NULL_STUB(...)
+#define UNSUPPORTED_STUB(...)
+#define UNDECLARED_STUB(...)
 
 const Stub kStubs[] = {
-#include "core/stub_table.def"
+#include "core/surface/surface.def"
 };
 
+#undef UNDECLARED_STUB
+#undef UNSUPPORTED_STUB
+#undef NULL_STUB
+#undef SOFT_STUB
+#undef FAILS
+#undef WORKS
 #undef BARE_STUB
 #undef PLAIN_STUB
+#undef OBJECT_STUB
 #undef QUIET_FRAME_STUB
 #undef FRAME_STUB
 #undef ROW
@@ -94,7 +60,8 @@ TEST_P(StubDeathTest, EndsTheProcessAndNamesItself) {
   const Stub &stub = GetParam();
   EXPECT_EXIT(stub.call(arguments_), testing::ExitedWithCode(1),
               std::string("^UNIMPLEMENTED FUNCTION CALL ") + stub.name +
-                  " IN FILE [^ ]*stub_table.def AT LINE [0-9]+\n$");
+                  " IN FILE [^ ]*core/surface/[a-z]+.def AT LINE [0-9]+\n$");
+  EXPECT_TRUE(arguments_.areUntouched());
 }
 
 TEST_P(StubTest, GoesOnWithTheOperatorsLeave) {
@@ -152,11 +119,74 @@ TEST_F(StubTest, LeavesItsTextWhereNobodyReadsIt) {
   EXPECT_EQ(OCILobFileCloseAll(nullptr, nullptr), OCI_SUCCESS);
 }
 
-/// The functions whose first argument leads to the callbacks.
+TEST_F(StubTest, ATextForSeveralHandlesGoesToTheFirst) {
+  setenv(kGoOn, "1", 1);
+  OCIError *first = env_.errhp();
+  OCIError *handles[] = {first, env_.alloc<OCIError>(OCI_HTYPE_ERROR)};
+  EXPECT_EQ(OCITransMultiPrepare(nullptr, 2, nullptr, handles), OCI_SUCCESS);
+  EXPECT_STREQ(first->scratchText, "KESTREL-03001: unsupported feature");
+  EXPECT_STREQ(handles[1]->scratchText, "");
+}
+
+TEST_F(StubTest, ObjectsInStatementsLeaveNoText) {
+  setenv(kGoOn, "1", 1);
+  callWith(arguments_, OCIBindObject);
+  callWith(arguments_, OCIDefineObject);
+  EXPECT_STREQ(env_.errhp()->scratchText, "");
+}
+
+TEST_F(StubTest, AFrameTracesItsStages) {
+  setenv(kGoOn, "1", 1);
+  const std::string lines = traced(4, [&] { callWith(arguments_, OCITransForget); });
+  const char *const kOrder[] = {"BEFORE PerformEntryUcbs\n",
+                                "AFTER PerformEntryUcbs\n",
+                                "BEFORE PerformReplaceUcbs\n",
+                                "AFTER PerformReplaceUcbs\n",
+                                "Forgetting about transaction\n",
+                                "\tsvchp = ",
+                                "\terrhp = ",
+                                "\tflags = ",
+                                "BEFORE PerformExitUcbs\n",
+                                "AFTER PerformExitUcbs\n",
+                                "\tRETURNING "};
+  std::size_t at = 0;
+  for (const char *line : kOrder) {
+    const std::size_t found = lines.find(line, at);
+    ASSERT_NE(found, std::string::npos) << line << "in\n" << lines;
+    at = found + 1;
+  }
+}
+
+TEST_F(StubTest, PiecesAndObjectsTraceNoStages) {
+  setenv(kGoOn, "1", 1);
+  for (const auto &call : std::initializer_list<std::function<void()>>{
+           [&] { callWith(arguments_, OCIStmtGetPieceInfo); },
+           [&] { callWith(arguments_, OCIStmtSetPieceInfo); },
+           [&] { callWith(arguments_, OCIBindObject); },
+           [&] { callWith(arguments_, OCIDefineObject); }}) {
+    const std::string lines = traced(4, call);
+    EXPECT_EQ(lines.find("BEFORE"), std::string::npos) << lines;
+    EXPECT_NE(lines.find("\tRETURNING "), std::string::npos) << lines;
+  }
+}
+
+TEST_F(StubTest, NarrativesAreThoseOfTheOperation) {
+  setenv(kGoOn, "1", 1);
+  EXPECT_EQ(traced(3, [&] { callWith(arguments_, OCIAQDeq); }),
+            "Dequeuing Message from Queue");
+  EXPECT_EQ(traced(3, [&] { callWith(arguments_, OCILobAppend); }),
+            "Appending to a LOB\n");
+  EXPECT_EQ(traced(3, [&] { callWith(arguments_, OCIRowidToChar); }),
+            "Converting ROWID to base 64 text\n");
+}
+
+/// The functions whose first argument leads to the callbacks. No handle of this library
+/// is a row identifier.
 std::vector<Stub> watched() {
   std::vector<Stub> all;
   std::ranges::copy_if(kStubs, std::back_inserter(all), [](const Stub &stub) {
-    return stub.code != 0 && std::string(stub.name) != "OCIStmtSetPieceInfo";
+    const std::string name(stub.name);
+    return stub.code != 0 && name != "OCIStmtSetPieceInfo" && name != "OCIRowidToChar";
   });
   return all;
 }

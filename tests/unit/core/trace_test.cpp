@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core_fixture.h"
+#include "tests/server/trace_text.h"
 #include "tests/server/wire_log.h"
 
 namespace zev::test {
@@ -169,6 +170,32 @@ TEST_F(Trace, LinksOfAServiceContextAreTracedUnderTheirMask) {
   EXPECT_NE(written().find(lines), std::string::npos);
   std::snprintf(lines, sizeof lines, "setting %p.session = (nil)\n", at);
   EXPECT_NE(written().find(lines), std::string::npos);
+}
+
+TEST_F(Trace, ANarrativeShowsNoCallersValues) {
+  oci_debug_mask = 0;
+  OCI2PQ_TRACE_LEVEL = 3;
+  o2pTrace(4, "not seen\n");
+  o2pTrace(3, "all %% of %s, %-5d and %p\n", "text", 1, nullptr);
+  o2pTrace(0, "plain\n");
+  o2pTrace(3, "cut %");
+  EXPECT_EQ(maskAddresses(written()),
+            "TRACE3-o2pTrace[trace.cpp:916]: all % of <s>, <d> and <p>\n"
+            "TRACE0-o2pTrace[trace.cpp:916]: plain\n"
+            "TRACE3-o2pTrace[trace.cpp:916]: cut ");
+}
+
+TEST_F(Trace, ArgumentsOfALineThatIsNotWrittenAreNotEvaluated) {
+  int evaluated = 0;
+  oci_debug_mask = 0x20;
+  ocitrace(0x40, nullptr, "%d\n", ++evaluated);
+  ocitracehex(0x40, nullptr, (++evaluated, ""), 0);
+  o2pTrace(3, "%d\n", ++evaluated);
+  EXPECT_EQ(evaluated, 0);
+  ocitrace(0x20, nullptr, "%d\n", ++evaluated);
+  EXPECT_EQ(evaluated, 1);
+  (ocitrace)(0x40, nullptr, "%s\n", "the function tests for itself too");
+  EXPECT_EQ(written(), "1\n");
 }
 
 /// The three variables, read when an environment is created.

@@ -163,19 +163,36 @@ TEST(DecimalTrig, AtZero) {
   EXPECT_EQ(value(m_apm_tan, "0"), "0.0");
 }
 
+/// Whether two numbers differ by at most one unit of `places`.
+bool areNeighbours(M_APM a, M_APM b, int places) {
+  const Number unit("1E" + std::to_string(m_apm_exponent(a) - places));
+  Number difference;
+  m_apm_subtract(difference, a, b);
+  m_apm_absolute_value(difference, difference);
+  return m_apm_compare(difference, unit) <= 0;
+}
+
+/// Both are rounded from some digits more, which at a digit 5 with zeros behind it may
+/// lead them apart.
 TEST(DecimalTrig, SineAndCosineAtOnceAreThoseAlone) {
+  constexpr int kPlaces = 40;
   std::mt19937_64 random = generator();
-  for (int i = rounds(300, 20'000); i > 0; --i) {
+  const int count = rounds(300, 20'000);
+  int apart = 0;
+  for (int i = 0; i < count; ++i) {
     const std::string text = (random() % 2 ? "-0." : "0.") + randomDigits(random, 20) +
                              "E" + std::to_string(between(random, -30, 6));
     const Number x(text);
     Number sine, cosine, alone;
-    m_apm_sin_cos(sine, cosine, 40, x);
-    m_apm_sin(alone, 40, x);
-    ASSERT_EQ(m_apm_compare(sine, alone), 0) << text;
-    m_apm_cos(alone, 40, x);
-    ASSERT_EQ(m_apm_compare(cosine, alone), 0) << text;
+    m_apm_sin_cos(sine, cosine, kPlaces, x);
+    m_apm_sin(alone, kPlaces, x);
+    apart += m_apm_compare(sine, alone) != 0;
+    ASSERT_TRUE(areNeighbours(sine, alone, kPlaces)) << text;
+    m_apm_cos(alone, kPlaces, x);
+    apart += m_apm_compare(cosine, alone) != 0;
+    ASSERT_TRUE(areNeighbours(cosine, alone, kPlaces)) << text;
   }
+  EXPECT_LE(apart, 1 + count / 1000);
 }
 
 TEST(DecimalTrig, AnglesAreBroughtBetweenMinusPiAndPi) {
@@ -294,7 +311,7 @@ TEST(DecimalFunctions, ArgumentsStayAsTheyAre) {
 }
 
 TEST(DecimalConstants, PiGrowsOnDemand) {
-  const Number any;
+  m_apm_trim_mem_usage();
   const int before = MM_lc_PI_digits;
   M_check_PI_places(before - 2);
   EXPECT_EQ(MM_lc_PI_digits, before);
@@ -312,7 +329,7 @@ TEST(DecimalConstants, PiGrowsOnDemand) {
 }
 
 TEST(DecimalConstants, LogarithmsGrowOnDemand) {
-  const Number any;
+  m_apm_trim_mem_usage();
   const int before = MM_lc_log_digits;
   M_check_log_places(before - 4);
   EXPECT_EQ(MM_lc_log_digits, before);

@@ -29,24 +29,4 @@ class EncodedEnvironment {
   OCIEnv *env_ = nullptr;
 };
 
-/// The texts of the narrative lines that `work` traces up to `level`, one a line.
-template <class Work>
-std::string traced(int level, const Work &work) {
-  std::FILE *log = std::tmpfile();
-  oci_debug_log = log;
-  OCI2PQ_TRACE_LEVEL = level;
-  work();
-  oci_debug_log = nullptr;
-  OCI2PQ_TRACE_LEVEL = 0;
-  std::rewind(log);
-  std::string text;
-  char line[256];
-  while (std::fgets(line, sizeof line, log)) {
-    const std::string_view whole(line);
-    text += whole.substr(whole.find("]: ") + 3);
-  }
-  std::fclose(log);
-  return text;
-}
-
 }  // namespace zev::test

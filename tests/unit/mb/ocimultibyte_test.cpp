@@ -1,6 +1,5 @@
 /// The published functions that measure and compare multibyte and wide text.
 #include <cstring>
-#include <functional>
 #include <memory>
 
 #include "mb_fixture.h"
@@ -231,51 +230,6 @@ TEST_F(WideChar, ComparisonNeedsAnEnvironment) {
               OCI_INVALID_HANDLE);
   }
 }
-
-// ---- Functions that do nothing ----
-
-struct Stub {
-  const char *name;
-  std::function<bool(OCIEnv *)> refuses;  ///< with an environment and zeros
-};
-
-template <class Result, class... Parameters>
-Result callWith(OCIEnv *env, Result (*function)(void *, Parameters...)) {
-  return function(env, Parameters{}...);
-}
-
-#define REFUSING_STUB(result, name, ...) \
-  Stub{#name, [](OCIEnv *env) { return callWith(env, name) == static_cast<result>(-1); }},
-#define FINDING_STUB(name, ...) \
-  Stub{#name, [](OCIEnv *env) { return callWith(env, name) == nullptr; }},
-
-const Stub kStubs[] = {
-#include "utils/mb/multibyte_stub_table.def"
-};
-#undef FINDING_STUB
-#undef REFUSING_STUB
-
-class MultibyteStub : public testing::TestWithParam<Stub> {};
-
-TEST_P(MultibyteStub, TracesAndRefusesWithoutARecord) {
-  Environment env;
-  const std::string name = GetParam().name;
-  const bool finds = name == "OCIWideCharStrchr" || name == "OCIWideCharStrrchr";
-  EXPECT_EQ(traced(3, [&] { EXPECT_TRUE(GetParam().refuses(env.get())); }),
-            "Setting Piece Information\n");
-  const std::string all = traced(4, [&] { GetParam().refuses(env.get()); });
-  EXPECT_EQ(all.find("Setting Piece Information\n"), 0u);
-  EXPECT_EQ(all.find("\tRETURNING ") == std::string::npos, finds);
-  EXPECT_TRUE(GetParam().refuses(nullptr));
-  EXPECT_EQ(codesOf(env.get()->errh), Codes{});
-}
-
-TEST(MultibyteStubs, AreThirtySix) {
-  EXPECT_EQ(std::size(kStubs), 36u);
-}
-
-INSTANTIATE_TEST_SUITE_P(Each, MultibyteStub, testing::ValuesIn(kStubs),
-                         [](const auto &row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace zev::test
