@@ -99,6 +99,7 @@ sword o2pLoadUCBs(OCIEnv *env) {
 
 ZEV_API sword OCISharedLibInit(void *metaCtx, void *, ub4, sword, void **,
                                OCIEnvCallbackType envCallback) {
+  if (!envCallback) return OCI_ERROR;
   const auto called =
       reinterpret_cast<LongCallback>(reinterpret_cast<void (*)()>(envCallback));
   const sword status = called(metaCtx, 0, 0, nullptr, nullptr, 0);

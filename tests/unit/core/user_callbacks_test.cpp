@@ -330,6 +330,10 @@ TEST_F(UserCallbacks, ASharedLibrarysStartGetsTheEnvironmentAndZeros) {
   EXPECT_EQ(log.takeNarrative(), "4: \tRETURNING <s>\n");
 }
 
+TEST_F(UserCallbacks, ASharedLibraryWithoutAStartIsAnError) {
+  EXPECT_EQ(OCISharedLibInit(env_.get(), nullptr, 0, 0, nullptr, nullptr), OCI_ERROR);
+}
+
 TEST_F(UserCallbacks, ARegistrationIsToldByNarrativeAndArguments) {
   TraceLog log;
   OCI2PQ_TRACE_LEVEL = 4;
