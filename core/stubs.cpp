@@ -158,10 +158,6 @@ Result unsupportedStub(const char *narrative, OCIError *errhp) {
 // Some parameters are declared for the program's sake alone.
 #pragma GCC diagnostic ignored "-Wunused-parameter"
 
-// These have a body elsewhere.
-#define WORKS(...)
-#define FAILS(...)
-
 #define FRAME_STUB_OF(form, result, name, parameters, code, line, errhp, ...)            \
   extern "C" ZEV_API result name parameters {                                            \
     return frameStub({#name, __FILE__, __LINE__, line, #__VA_ARGS__}, form, code, errhp, \
@@ -199,18 +195,7 @@ Result unsupportedStub(const char *narrative, OCIError *errhp) {
 
 #include "core/surface/surface.def"
 
-#undef UNDECLARED_STUB
-#undef UNSUPPORTED_STUB
-#undef NULL_STUB
-#undef SOFT_STUB
-#undef BARE_STUB
-#undef PLAIN_STUB
-#undef OBJECT_STUB
-#undef QUIET_FRAME_STUB
-#undef FRAME_STUB
 #undef FRAME_STUB_OF
-#undef FAILS
-#undef WORKS
 
 extern "C" {
 

@@ -28,18 +28,7 @@ constexpr std::string_view kTable =
 #include "core/surface/surface.def"
     ;
 
-#undef UNDECLARED_STUB
-#undef UNSUPPORTED_STUB
-#undef NULL_STUB
-#undef SOFT_STUB
-#undef BARE_STUB
-#undef PLAIN_STUB
-#undef OBJECT_STUB
-#undef QUIET_FRAME_STUB
-#undef FRAME_STUB
 #undef STOPS
-#undef FAILS
-#undef WORKS
 
 /// Types of two words or more whose names a program may hold as texts.
 constexpr std::string_view kTypes =

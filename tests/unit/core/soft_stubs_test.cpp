@@ -5,6 +5,13 @@
 #include "stub_calls.h"
 
 namespace zev::test {
+
+// What no header declares.
+namespace undeclared {
+#define UNDECLARED_STUB(name) extern "C" sword name();
+#include "core/surface/surface.def"
+}  // namespace undeclared
+
 namespace {
 
 /// What a call came to, of results of all types.
@@ -47,6 +54,10 @@ struct Stub {
   const char *narrative;  ///< its line, and nothing else, at level 3
 };
 
+std::ostream &operator<<(std::ostream &out, const Stub &stub) {
+  return out << stub.name;
+}
+
 #define CALL(name) [](Arguments &arguments) { return call(arguments, name); }
 #define SOFT_STUB(result, name, parameters, line) \
   Stub{#name, CALL(name), Answer::Failure, false, line},
@@ -58,54 +69,11 @@ struct Stub {
 #define UNDECLARED_STUB(name)                                                            \
   Stub{#name, [](Arguments &) { return answerOf(undeclared::name()); }, Answer::Failure, \
        false, #name " is not supported\n"},
-#define WORKS(...)
-#define FAILS(...)
-#define FRAME_STUB(...)
-#define QUIET_FRAME_STUB(...)
-#define OBJECT_STUB(...)
-#define PLAIN_STUB(...)
-#define BARE_STUB(...)
-
-}  // namespace
-
-// What no header declares.
-namespace undeclared {
-#pragma push_macro("SOFT_STUB")
-#pragma push_macro("NULL_STUB")
-#pragma push_macro("UNSUPPORTED_STUB")
-#pragma push_macro("UNDECLARED_STUB")
-#undef SOFT_STUB
-#undef NULL_STUB
-#undef UNSUPPORTED_STUB
-#undef UNDECLARED_STUB
-#define SOFT_STUB(...)
-#define NULL_STUB(...)
-#define UNSUPPORTED_STUB(...)
-#define UNDECLARED_STUB(name) extern "C" sword name();
-#include "core/surface/surface.def"
-#pragma pop_macro("SOFT_STUB")
-#pragma pop_macro("NULL_STUB")
-#pragma pop_macro("UNSUPPORTED_STUB")
-#pragma pop_macro("UNDECLARED_STUB")
-}  // namespace undeclared
-
-namespace {
 
 const Stub kStubs[] = {
 #include "core/surface/surface.def"
 };
 
-#undef BARE_STUB
-#undef PLAIN_STUB
-#undef OBJECT_STUB
-#undef QUIET_FRAME_STUB
-#undef FRAME_STUB
-#undef FAILS
-#undef WORKS
-#undef UNDECLARED_STUB
-#undef UNSUPPORTED_STUB
-#undef NULL_STUB
-#undef SOFT_STUB
 #undef CALL
 
 class SoftStub : public testing::TestWithParam<Stub> {

@@ -14,6 +14,10 @@ struct Stub {
   ub4 code;
 };
 
+std::ostream &operator<<(std::ostream &out, const Stub &stub) {
+  return out << stub.name;
+}
+
 #define ROW(name, code) \
   Stub{#name, [](Arguments &arguments) { return callWith(arguments, name); }, code},
 #define FRAME_STUB(result, name, parameters, code, ...) ROW(name, code)
@@ -21,28 +25,11 @@ struct Stub {
 #define OBJECT_STUB(result, name, parameters, code, ...) ROW(name, code)
 #define PLAIN_STUB(result, name, ...) ROW(name, 0)
 #define BARE_STUB(result, name, ...) ROW(name, 0)
-#define WORKS(...)
-#define FAILS(...)
-#define SOFT_STUB(...)
-#define NULL_STUB(...)
-#define UNSUPPORTED_STUB(...)
-#define UNDECLARED_STUB(...)
 
 const Stub kStubs[] = {
 #include "core/surface/surface.def"
 };
 
-#undef UNDECLARED_STUB
-#undef UNSUPPORTED_STUB
-#undef NULL_STUB
-#undef SOFT_STUB
-#undef FAILS
-#undef WORKS
-#undef BARE_STUB
-#undef PLAIN_STUB
-#undef OBJECT_STUB
-#undef QUIET_FRAME_STUB
-#undef FRAME_STUB
 #undef ROW
 
 class StubTest : public testing::TestWithParam<Stub> {

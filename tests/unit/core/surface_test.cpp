@@ -35,18 +35,6 @@ const Interface kTable = {
 #include "core/surface/surface.def"
 };
 
-#undef UNDECLARED_STUB
-#undef UNSUPPORTED_STUB
-#undef NULL_STUB
-#undef SOFT_STUB
-#undef BARE_STUB
-#undef PLAIN_STUB
-#undef OBJECT_STUB
-#undef QUIET_FRAME_STUB
-#undef FRAME_STUB
-#undef FAILS
-#undef WORKS
-
 #define PUBLISHED(name, fate, code) {#name, {Fate::fate, code}},
 
 const Interface kPublished = {
