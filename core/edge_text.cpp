@@ -43,25 +43,6 @@ std::size_t textLength(const OCIEnv *env, const void *text, std::size_t limit) {
   return limit - length >= 2 ? length : limit;
 }
 
-EdgeText::EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
-  if (isUtf16(env)) {
-    convert(env->toUtf8, source, length);
-  } else if (source) {
-    data_ = static_cast<const char *>(source);
-    size_ = length;
-  }
-}
-
-EdgeResult::EdgeResult(const OCIEnv *env, const void *source, std::size_t length)
-    : terminator_(terminatorSize(env)) {
-  if (isUtf16(env)) {
-    convert(env->fromUtf8, source, length);
-  } else if (source) {
-    data_ = static_cast<const char *>(source);
-    size_ = length;
-  }
-}
-
 void EdgeText::convert(iconv_t descriptor, const void *source, std::size_t length) {
   void *out = nullptr;
   if (transcode(descriptor, &error_, source, length, &out, &size_) == SIZE_MAX) {
@@ -78,8 +59,10 @@ std::size_t EdgeResult::copyCut(void *buffer, std::size_t room) const {
   if (room < terminator_) return 0;
   std::size_t length = std::min(size_, room - terminator_);
   if (length < size_ && terminator_ == 2) length = wholeCharacters(data_, length);
-  copyInto(buffer, length);
-  std::memset(static_cast<char *>(buffer) + length, 0, terminator_);
+  auto *end = static_cast<char *>(buffer) + length;
+  if (length) std::memcpy(buffer, data_, length);
+  end[0] = '\0';
+  if (terminator_ == 2) end[1] = '\0';
   return length;
 }
 

@@ -27,7 +27,8 @@ std::size_t textLength(const OCIEnv *env, const void *text, std::size_t limit);
 class EdgeText {
  public:
   /// Converts `length` bytes at `source`; a null source is an empty text.
-  EdgeText(const OCIEnv *env, const void *source, std::size_t length);
+  EdgeText(const OCIEnv *env, const void *source, std::size_t length)
+      : EdgeText(env, &OCIEnv::toUtf8, source, length) {}
   /// Converts a text up to the zero that ends it.
   EdgeText(const OCIEnv *env, const void *source)
       : EdgeText(env, source, textLength(env, source)) {}
@@ -45,7 +46,16 @@ class EdgeText {
   std::string_view view() const { return {data_, size_}; }
 
  protected:
-  EdgeText() = default;
+  /// Converts by one of the environment's descriptors.
+  EdgeText(const OCIEnv *env, iconv_t OCIEnv::*descriptor, const void *source,
+           std::size_t length) {
+    if (isUtf16(env)) {
+      convert(env->*descriptor, source, length);
+    } else if (source) {
+      data_ = static_cast<const char *>(source);
+      size_ = length;
+    }
+  }
   void convert(iconv_t descriptor, const void *source, std::size_t length);
 
   Malloced<> owned_;
@@ -57,7 +67,9 @@ class EdgeText {
 /// A text result on its way to the program, in the program's encoding.
 class EdgeResult : public EdgeText {
  public:
-  EdgeResult(const OCIEnv *env, const void *source, std::size_t length);
+  EdgeResult(const OCIEnv *env, const void *source, std::size_t length)
+      : EdgeText(env, &OCIEnv::fromUtf8, source, length),
+        terminator_(terminatorSize(env)) {}
   EdgeResult(const OCIEnv *env, std::string_view text)
       : EdgeResult(env, text.data(), text.size()) {}
 

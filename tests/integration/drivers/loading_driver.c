@@ -11,14 +11,15 @@
 #include <string.h>
 
 /* The functions that the wrapper uses; each becomes a pointer of the exact type. */
-#define FUNCTIONS(X)                                                                \
-  X(OCIEnvCreate)                                                                   \
-  X(OCIHandleAlloc)                                                                 \
-  X(OCIHandleFree) X(OCIErrorGet) X(OCIClientVersion) X(OCIServerAttach)            \
-      X(OCIServerDetach) X(OCIServerVersion) X(OCIServerRelease) X(OCISessionBegin) \
-          X(OCISessionEnd) X(OCIAttrGet) X(OCIAttrSet) X(OCIPing) X(OCIStmtPrepare) \
-              X(OCIStmtExecute) X(OCIStmtFetch2) X(OCIBindByName) X(OCIDefineByPos) \
-                  X(OCIParamGet) X(OCITransCommit) X(OCITransRollback)
+/* clang-format off */
+#define FUNCTIONS(X)                                                                  \
+  X(OCIEnvCreate) X(OCIHandleAlloc) X(OCIHandleFree) X(OCIErrorGet)                   \
+  X(OCIClientVersion) X(OCIServerAttach) X(OCIServerDetach) X(OCIServerVersion)       \
+  X(OCIServerRelease) X(OCISessionBegin) X(OCISessionEnd) X(OCIAttrGet)               \
+  X(OCIAttrSet) X(OCIPing) X(OCIStmtPrepare) X(OCIStmtExecute) X(OCIStmtFetch2)       \
+  X(OCIBindByName) X(OCIDefineByPos) X(OCIParamGet) X(OCITransCommit)                 \
+  X(OCITransRollback)
+/* clang-format on */
 
 #define POINTER(name) static __typeof__(&name) p##name;
 FUNCTIONS(POINTER)
