@@ -37,18 +37,18 @@ void two(PeerNumber &r, const PeerNumber &a, const PeerNumber &b) {
 PeerNumber::PeerNumber(const std::string &text, int digits)
     : number(std::malloc(sizeof(decNumber) +
                          static_cast<std::size_t>(digits) * sizeof(decNumberUnit))),
-      context(decContextDefault(
-          static_cast<decContext *>(std::malloc(sizeof(decContext))), DEC_INIT_BASE)) {
-  contextOf(*this)->digits = digits;
-  contextOf(*this)->traps = 0;
-  contextOf(*this)->emax = 99999;
-  contextOf(*this)->emin = -99999;
-  decNumberFromString(value(*this), text.c_str(), contextOf(*this));
+      context(new decContext) {
+  decContext *own = decContextDefault(contextOf(*this), DEC_INIT_BASE);
+  own->digits = digits;
+  own->traps = 0;
+  own->emax = 99999;
+  own->emin = -99999;
+  decNumberFromString(value(*this), text.c_str(), own);
 }
 
 PeerNumber::~PeerNumber() {
   std::free(number);
-  std::free(context);
+  delete contextOf(*this);
 }
 
 PeerOperation peerOperation(const std::string &name) {

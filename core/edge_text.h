@@ -27,8 +27,9 @@ std::size_t textLength(const OCIEnv *env, const void *text, std::size_t limit);
 class EdgeText {
  public:
   /// Converts `length` bytes at `source`; a null source is an empty text.
-  EdgeText(const OCIEnv *env, const void *source, std::size_t length)
-      : EdgeText(env, &OCIEnv::toUtf8, source, length) {}
+  EdgeText(const OCIEnv *env, const void *source, std::size_t length) {
+    take(isUtf16(env) ? env->toUtf8 : nullptr, source, length);
+  }
   /// Converts a text up to the zero that ends it.
   EdgeText(const OCIEnv *env, const void *source)
       : EdgeText(env, source, textLength(env, source)) {}
@@ -46,11 +47,11 @@ class EdgeText {
   std::string_view view() const { return {data_, size_}; }
 
  protected:
-  /// Converts by one of the environment's descriptors.
-  EdgeText(const OCIEnv *env, iconv_t OCIEnv::*descriptor, const void *source,
-           std::size_t length) {
-    if (isUtf16(env)) {
-      convert(env->*descriptor, source, length);
+  EdgeText() = default;
+  /// Converts by a descriptor; without one the text passes as it stands.
+  void take(iconv_t descriptor, const void *source, std::size_t length) {
+    if (descriptor) {
+      convert(descriptor, source, length);
     } else if (source) {
       data_ = static_cast<const char *>(source);
       size_ = length;
@@ -68,8 +69,9 @@ class EdgeText {
 class EdgeResult : public EdgeText {
  public:
   EdgeResult(const OCIEnv *env, const void *source, std::size_t length)
-      : EdgeText(env, &OCIEnv::fromUtf8, source, length),
-        terminator_(terminatorSize(env)) {}
+      : terminator_(terminatorSize(env)) {
+    take(isUtf16(env) ? env->fromUtf8 : nullptr, source, length);
+  }
   EdgeResult(const OCIEnv *env, std::string_view text)
       : EdgeResult(env, text.data(), text.size()) {}
 

@@ -16,6 +16,7 @@
 
 namespace {
 
+// NOLINTNEXTLINE(performance-no-int-to-ptr): the C library's own failure
 const iconv_t kNoConversion = reinterpret_cast<iconv_t>(-1);
 
 // What OCIInitialize settles for the process.

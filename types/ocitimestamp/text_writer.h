@@ -15,11 +15,11 @@ namespace zev {
 struct TwoDigits {
   constexpr TwoDigits() {
     for (int i = 0; i < 100; ++i) {
-      text[2 * i] = static_cast<char>('0' + i / 10);
-      text[2 * i + 1] = static_cast<char>('0' + i % 10);
+      text[i][0] = static_cast<char>('0' + i / 10);
+      text[i][1] = static_cast<char>('0' + i % 10);
     }
   }
-  char text[200] = {};
+  char text[100][2] = {};
 };
 inline constexpr TwoDigits kTwoDigits;
 
@@ -40,7 +40,7 @@ class TextWriter {
   }
   /// The two digits of a value below 100.
   TextWriter &two(unsigned value) {
-    std::memcpy(at_, kTwoDigits.text + 2 * value, 2);
+    std::memcpy(at_, kTwoDigits.text[value], 2);
     at_ += 2;
     return *this;
   }
