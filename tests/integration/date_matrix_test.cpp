@@ -9,6 +9,7 @@
 
 #include "tests/integration/support/descriptor.h"
 #include "tests/integration/support/statement_fixture.h"
+#include "tests/support/random_inputs.h"
 
 namespace zev::test {
 namespace {
@@ -66,11 +67,8 @@ class DateMatrixTest : public StatementFixture,
           "'2004-01-01 00:00:00.000001'", "'9999-12-31 23:59:59'", "'12000-01-01'",
           "'infinity'", "'-infinity'"})
       store(value);
-    const char *given = std::getenv("ZEVOCI_TEST_SEED");
-    const auto seed = given ? std::strtoul(given, nullptr, 10) : std::random_device{}();
-    std::printf("ZEVOCI_TEST_SEED=%lu\n", static_cast<unsigned long>(seed));
-    std::mt19937_64 random(seed);
-    const int count = std::getenv("ZEVOCI_TEST_LONG") ? 2000 : 40;
+    std::mt19937_64 random = zevtest::generator();
+    const int count = zevtest::rounds(40, 2000);
     for (int i = 0; i < count; ++i) {
       // Microseconds since the year 1, up to the year 9990.
       store("timestamp '0001-01-02' + " +
@@ -269,37 +267,35 @@ TEST_P(DateMatrixTest, Text) {
     for (const Column &column : kColumns) {
       for (const int room : {60, 9}) {
         char buffer[64];
-        fetchAll(column, buffer, room, target.dty,
-                 [&](const Row &r, sword status, sb2 indicator, ub2) {
-                   const int whole = static_cast<int>(r.text.size());
-                   const int kept = room - target.before - target.endsInNul;
-                   const bool isWhole = whole <= kept;
-                   const std::string text =
-                       r.text.substr(0, static_cast<std::size_t>(kept));
-                   EXPECT_EQ(std::string(buffer + target.before, text.size()), text)
-                       << target.dty;
-                   if (target.endsInNul) {
-                     EXPECT_EQ(buffer[text.size()], '\0');
-                   }
-                   if (isWhole) {
-                     EXPECT_EQ(status, OCI_SUCCESS);
-                     EXPECT_EQ(indicator, 0);
-                     char bound[80];
-                     std::memcpy(bound, r.text.c_str(), r.text.size() + 1);
-                     return expectStored(column, bound, static_cast<sb4>(whole + 1),
-                                         SQLT_STR, r.text);
-                   }
-                   // A text that has room only without the length before it fails.
-                   const bool isNarrow = target.dty == SQLT_VCS && whole <= room;
-                   EXPECT_EQ(status, isNarrow           ? OCI_ERROR
-                                     : target.endsInNul ? OCI_SUCCESS
-                                                        : OCI_SUCCESS_WITH_INFO)
-                       << target.dty;
-                   if (!isNarrow && !target.endsInNul) expectError(1406);
-                   if (target.before == 0) {
-                     EXPECT_EQ(indicator, whole + target.endsInNul - room);
-                   }
-                 });
+        fetchAll(
+            column, buffer, room, target.dty,
+            [&](const Row &r, sword status, sb2 indicator, ub2) {
+              const int whole = static_cast<int>(r.text.size());
+              const int kept = room - target.before - target.endsInNul;
+              const bool isWhole = whole <= kept;
+              const std::string text = r.text.substr(0, static_cast<std::size_t>(kept));
+              EXPECT_EQ(std::string(buffer + target.before, text.size()), text)
+                  << target.dty;
+              if (target.endsInNul) {
+                EXPECT_EQ(buffer[text.size()], '\0');
+              }
+              if (isWhole) {
+                EXPECT_EQ(status, OCI_SUCCESS);
+                EXPECT_EQ(indicator, 0);
+                Given bound(r.text);
+                return expectStored(column, bound.data(), bound.room(), SQLT_STR, r.text);
+              }
+              // A text that has room only without the length before it fails.
+              const bool isNarrow = target.dty == SQLT_VCS && whole <= room;
+              EXPECT_EQ(status, isNarrow           ? OCI_ERROR
+                                : target.endsInNul ? OCI_SUCCESS
+                                                   : OCI_SUCCESS_WITH_INFO)
+                  << target.dty;
+              if (!isNarrow && !target.endsInNul) expectError(1406);
+              if (target.before == 0) {
+                EXPECT_EQ(indicator, whole + target.endsInNul - room);
+              }
+            });
       }
     }
   }

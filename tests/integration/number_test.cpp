@@ -3,6 +3,7 @@
 #include <random>
 
 #include "tests/integration/support/statement_fixture.h"
+#include "tests/support/random_inputs.h"
 
 namespace zev::test {
 namespace {
@@ -14,10 +15,10 @@ class NumberTest : public StatementFixture {
  protected:
   OCINumber number(const std::string &text) {
     OCINumber made{};
-    EXPECT_EQ(
-        OCINumberFromText(errhp(), reinterpret_cast<const OraText *>(text.data()),
-                          static_cast<ub4>(text.size()), nullptr, 0, nullptr, 0, &made),
-        OCI_SUCCESS)
+    const Given given(text);
+    EXPECT_EQ(OCINumberFromText(errhp(), given.text(), given.size(), nullptr, 0, nullptr,
+                                0, &made),
+              OCI_SUCCESS)
         << text;
     return made;
   }
@@ -65,13 +66,8 @@ class NumberTest : public StatementFixture {
         << what << ": " << hex(ours) << " and " << hex(theirs);
   }
 
-  std::mt19937_64 random_{[] {
-    const char *given = std::getenv("ZEVOCI_TEST_SEED");
-    const auto seed = given ? std::strtoul(given, nullptr, 10) : std::random_device{}();
-    std::printf("ZEVOCI_TEST_SEED=%lu\n", static_cast<unsigned long>(seed));
-    return seed;
-  }()};
-  const int count_ = std::getenv("ZEVOCI_TEST_LONG") ? 20000 : 300;
+  std::mt19937_64 random_ = zevtest::generator();
+  const int count_ = zevtest::rounds(300, 20'000);
 };
 
 TEST_F(NumberTest, ExactOperationsHaveTheServersDigits) {
