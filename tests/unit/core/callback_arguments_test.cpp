@@ -113,18 +113,6 @@ TEST_P(CallbackArguments, ArriveInEveryStage) {
   EXPECT_EQ(log, row.stages);
 }
 
-constexpr auto kNothing = [](F &) {};
-constexpr auto kPrepared = [](F &f) { f.prepare(kSelect); };
-constexpr auto kBound = [](F &f) {
-  f.prepare(kSelect);
-  f.bind();
-  f.define();
-};
-constexpr auto kExecuted = [](F &f) {
-  kBound(f);
-  f.exec(0);
-};
-
 /// Addresses that no stub looks at.
 template <class T>
 T *at(F &f, std::size_t i = 0) {

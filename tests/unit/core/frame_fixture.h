@@ -54,4 +54,17 @@ class FrameFixture : public ServerTest {
 };
 using F = FrameFixture;
 
+/// What is done before the calls of a case.
+constexpr auto kNothing = [](FrameFixture &) {};
+constexpr auto kPrepared = [](FrameFixture &f) { f.prepare(kSelect); };
+constexpr auto kBound = [](FrameFixture &f) {
+  kPrepared(f);
+  f.bind();
+  f.define();
+};
+constexpr auto kExecuted = [](FrameFixture &f) {
+  kBound(f);
+  f.exec(0);
+};
+
 }  // namespace zev::test

@@ -105,20 +105,6 @@ TEST_P(Frame, CallbacksRunInOrderAndTheFormerRecordGoesInItsPlace) {
   EXPECT_EQ(!left.empty() && left[0] == 24343, c.keeps);
 }
 
-constexpr auto kNothing = [](F &) {};
-constexpr auto kPrepared = [](F &f) { f.prepare(kSelect); };
-constexpr auto kBound = [](F &f) {
-  f.prepare(kSelect);
-  f.bind();
-  f.define();
-};
-constexpr auto kExecuted = [](F &f) {
-  f.prepare(kSelect);
-  f.bind();
-  f.define();
-  f.exec(0);
-};
-
 // clang-format off
 const FrameCase kFrames[] = {
     {"HandleAlloc", 2, "E!R!X", false, [](F &f) {
